@@ -1,0 +1,26 @@
+// arrlib: the run-time library of translated matrix programs. This header is all that a program
+// includes; the headers below are the public ones.
+#ifndef ARRLIB_H
+#define ARRLIB_H
+
+#define ARRLIB_VERSION_MAJOR 0
+#define ARRLIB_VERSION_MINOR 1
+#define ARRLIB_VERSION_PATCH 0
+// What a translated program passes to initM.
+#define ARRLIB_HEADER_VERSION 4010
+
+#include "core/api.h"
+#include "core/declare.h"
+#include "core/matrix.h"
+#include "core/subscript.h"
+#include "core/text.h"
+#include "io/text_file.h"
+#include "runtime/console.h"
+#include "runtime/constants.h"
+#include "runtime/display.h"
+#include "runtime/errors.h"
+#include "runtime/parallel.h"
+#include "runtime/scope.h"
+#include "runtime/startup.h"
+
+#endif

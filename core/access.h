@@ -1,0 +1,71 @@
+// How the library's own code builds values field by field.
+#ifndef ARRLIB_CORE_ACCESS_H
+#define ARRLIB_CORE_ACCESS_H
+
+#include "core/dims.h"
+#include "core/matrix.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace arrlib {
+
+template <class T> struct Access {
+    // A full value of the given shape with uninitialised elements; empty after a report.
+    static M<T> full(bool complex, Dims const& shape) { return M<T>(complex, 0, 0, shape.ndims, shape.size); }
+
+    // A full value of the given shape with room for `capacity` elements, for values that grow.
+    static M<T> full_with_room(bool complex, Dims const& shape, int capacity)
+    {
+        M<T> made = without_storage();
+        StorageBlock<T> const block = Storage<T>::take_room(capacity, complex, false);
+        if (block.record) {
+            made.adopt(block, shape.count);
+            set_dims(made, shape);
+        }
+        return made;
+    }
+
+    // A sparse value with room for `capacity` entries of which `stored` count; nothing initialised.
+    static M<T> sparse_with_room(bool complex, Dims const& shape, int stored, int capacity)
+    {
+        M<T> made = without_storage();
+        StorageBlock<T> const block = Storage<T>::take_room(capacity, complex, true);
+        if (block.record) {
+            made.adopt(block, stored);
+            set_dims(made, shape);
+            made.setsparse(1);
+        }
+        return made;
+    }
+
+    // Empty and owning nothing.
+    static M<T> without_storage() { return M<T>(typename M<T>::unmade{}, nullptr); }
+
+    static void set_dims(M<T>& matrix, Dims const& shape)
+    {
+        matrix.ndims_ = shape.ndims;
+        std::copy_n(shape.size, max_dims, matrix.dims_);
+    }
+
+    // New sizes in place; the storage has room for them and belongs to this value alone.
+    static void grow_in_place(M<T>& matrix, Dims const& shape)
+    {
+        set_dims(matrix, shape);
+        matrix.nnz_ = shape.count;
+    }
+
+    static void drop_imaginary(M<T>& matrix) { matrix.im_ = nullptr; }
+    static int* index(M<T> const& matrix) { return matrix.index_; }
+
+    // The string, logical and sparse flags of another value.
+    static void copy_kind(M<T>& to, M<T> const& from)
+    {
+        to.setstr(from.isstr());
+        to.setlogical(from.islogical());
+    }
+};
+
+} // namespace arrlib
+
+#endif

@@ -1,0 +1,268 @@
+#include "core/matrix.h"
+
+#include "core/dims.h"
+#include "core/subscript.h"
+#include "runtime/errors.h"
+#include "runtime/messages.h"
+#include "runtime/report.h"
+#include "runtime/scope.h"
+
+#include <algorithm>
+#include <type_traits>
+
+using namespace arrlib;
+
+char const* MObject::classname() const
+{
+    return "MObject";
+}
+
+MObject::~MObject() = default;
+
+void MObject::display(int) {}
+
+template <class T> char const* M<T>::classname() const
+{
+    return std::is_same_v<T, double> ? "double" : "cell_double";
+}
+
+template <class T> M<T>::M(global_M_t tag) : MObject(tag) {}
+
+template <class T> void M<T>::make(int rows, int cols, bool complex)
+{
+    int const dims[] = {rows, cols};
+    make(complex, 0, 0, 2, dims);
+}
+
+// Every constructor that allocates ends here; when the storage cannot be had the value stays empty.
+template <class T> void M<T>::make(int complex, int sparse, int nzmax, int ndims, int const* dims)
+{
+    Dims const shape(ndims, dims);
+    bool const is_sparse = sparse && std::is_same_v<T, double>;
+    if (shape.count < 0) {
+        error(is_sparse ? messages::matrix_too_large : messages::out_of_memory);
+        return;
+    }
+    int const stored = is_sparse ? std::max(nzmax, 0) : shape.count;
+    StorageBlock<T> const block = Storage<T>::take(stored, complex != 0, is_sparse);
+    if (!block.record)
+        return;
+    adopt(block, is_sparse ? std::min(stored, shape.count) : shape.count);
+    ndims_ = shape.ndims;
+    std::copy_n(shape.size, max_dims, dims_);
+    if (is_sparse) {
+        flags_ |= sparse_flag;
+        std::fill_n(index_, capacity_, 0);
+        Storage<T>::clear(re_, capacity_);
+        if (im_)
+            Storage<T>::clear(im_, capacity_);
+    }
+}
+
+template <class T> M<T>::M(int complex, int nzmax, int rows, int cols) : M(unmade{}, nullptr)
+{
+    int const dims[] = {rows, cols};
+    make(complex, 1, nzmax, 2, dims);
+}
+
+template <class T> M<T>::M(int complex, int sparse, int nzmax, int ndims, int const* dims) : M(unmade{}, nullptr)
+{
+    make(complex, sparse, nzmax, ndims, dims);
+}
+
+template <class T> M<T>::M(char const* name, int rows, int cols) : M(unmade{}, name)
+{
+    make(rows, cols, false);
+    mark_scalar_variable();
+    if (name && scope_wants_named())
+        register_named();
+}
+
+template <> M<M<double>>::M(M<double> const& value) : M(unmade{}, nullptr)
+{
+    make(1, 1, false);
+    if (re_)
+        re_[0] = value;
+}
+
+template <class T> void M<T>::register_named()
+{
+    if (scope_declares_globals()) {
+        flags_ |= global_mark;
+        if (MObject* const saved = variables_scope.take_saved(getname())) {
+            // A saved value of the other kind gives way to the new variable.
+            if (M* const value = dynamic_cast<M*>(saved))
+                *this = *value;
+            variables_scope.discard(saved);
+        }
+    }
+    if (variables_scope.list(this))
+        flags_ |= listed_mark;
+}
+
+// The end of a variable that the scope or a debugger may know. A destructor cannot let an error
+// out, so one that is thrown here is reported instead.
+template <class T> void M<T>::destroy_named()
+{
+    if (flags_ & listed_mark)
+        variables_scope.forget(this);
+    try {
+        if (flags_ & global_mark)
+            variables_scope.save(new M(*this), getname());
+    } catch (char*) {
+        error_lasterr();
+    }
+    bool const watched_scalar = is_scalar_variable() && nnz_ == 1 && variables_watched;
+    drop_storage();
+    if (watched_scalar)
+        debug(getname());
+}
+
+template <class T> void M<T>::create(char const* name)
+{
+    setname(name);
+    flags_ = 0;
+    forget_storage();
+    make(0, 0, false);
+}
+
+template <class T> void M<T>::deepcopy(int complex, int sparse, M const& source)
+{
+    bool const to_sparse = sparse && std::is_same_v<T, double>;
+    bool const scatter = source.issparse() && !to_sparse;
+    int const count = scatter ? source.size() : source.nnz_;
+    StorageBlock<T> const block = Storage<T>::take(count, complex != 0, to_sparse);
+    if (!block.record)
+        return;
+    M made(unmade{}, nullptr);
+    made.flags_ = source.flags_ & (string_flag | logical_flag);
+    made.adopt(block, count);
+    made.ndims_ = source.ndims_;
+    std::copy_n(source.dims_, max_dims, made.dims_);
+    made.setsparse(to_sparse);
+    if constexpr (std::is_same_v<T, double>) {
+        if (scatter) {
+            source.unsparse(count, made.re_, made.im_);
+            *this = std::move(made);
+            return;
+        }
+        if (to_sparse && source.issparse())
+            std::copy_n(source.index_, count, made.index_);
+        else if (to_sparse)
+            for (int k = 0; k < count; ++k)
+                made.index_[k] = k;
+    }
+    Storage<T>::copy(made.re_, source.re_, count);
+    if (made.im_ && source.im_)
+        Storage<T>::copy(made.im_, source.im_, count);
+    else if (made.im_)
+        Storage<T>::clear(made.im_, count);
+    *this = std::move(made);
+}
+
+template <class T> void M<T>::unshare()
+{
+    if (dirty())
+        deepcopy(isc(), issparse(), M(*this));
+}
+
+template <class T> int M<T>::getreal()
+{
+    if constexpr (std::is_same_v<T, double>)
+        if (im_ && std::all_of(im_, im_ + nnz_, [](double part) { return part == 0; }))
+            im_ = nullptr;
+    return isc();
+}
+
+template <class T> int M<T>::getcomplex()
+{
+    if (!isc() && std::is_same_v<T, double>)
+        deepcopy(1, issparse(), M(*this));
+    return 1;
+}
+
+template <class T> int M<T>::size(int dim) const
+{
+    if (dim >= 1 && dim <= max_dims)
+        return dims_[dim - 1];
+    error("%s.size(dim): no such dimension", OperandName(*this));
+    return 0;
+}
+
+template <class T> int M<T>::length() const
+{
+    int const* const end = dims_ + max_dims;
+    return std::find(dims_, end, 0) != end ? 0 : *std::max_element(dims_, end);
+}
+
+template <class T> int M<T>::nsingleton() const
+{
+    for (int d = 0; d < max_dims; ++d)
+        if (dims_[d] > 1)
+            return d + 1;
+    return 1;
+}
+
+template <class T> int M<T>::vectordim() const
+{
+    auto const larger = std::count_if(dims_, dims_ + max_dims, [](int size) { return size > 1; });
+    return larger == 0 ? 2 : larger == 1 ? nsingleton() : 0;
+}
+
+template <class T> void M<T>::collapse()
+{
+    while (ndims_ > 2 && dims_[ndims_ - 1] <= 1)
+        --ndims_;
+}
+
+template <class T> void M<T>::reshape(int rows, int cols)
+{
+    int const dims[] = {rows, cols};
+    reshape(2, dims);
+}
+
+template <class T> void M<T>::reshape(int ndims, int const* dims)
+{
+    Dims const shape(ndims, dims);
+    if (shape.count != size()) {
+        error("reshape: size is wrong");
+        return;
+    }
+    ndims_ = shape.ndims;
+    std::copy_n(shape.size, max_dims, dims_);
+}
+
+template <class T> T M<T>::operator[](int k) const
+{
+    if (k < 1 || k > size())
+        return T();
+    return elements::readable(*this, ElementPart::real, static_cast<unsigned>(k) - 1);
+}
+
+template <class T> bool M<T>::verify_sparse(char const* operation) const
+{
+    if (!issparse())
+        error("%s.%s: not sparse", OperandName(*this), operation);
+    return issparse();
+}
+
+template <class T> T* M<T>::spaddr() const
+{
+    verify_sparse("spaddr");
+    return re_;
+}
+
+template <class T> T* M<T>::spaddi() const
+{
+    verify_sparse("spaddi");
+    return im_;
+}
+
+template <class T> int* M<T>::getindex() const
+{
+    verify_sparse("getindex");
+    return index_;
+}
+
+template class M<double>;
+template class M<M<double>>;

@@ -1,0 +1,126 @@
+#include "core/pool.h"
+
+#include "platform/platform.h"
+#include "runtime/errors.h"
+#include "runtime/messages.h"
+
+#include <cstring>
+#include <limits>
+
+#if defined(ARRLIB_POOL_CHECKED)
+#include <sanitizer/asan_interface.h>
+#else
+#define ASAN_POISON_MEMORY_REGION(address, size) (static_cast<void>(address), static_cast<void>(size))
+#define ASAN_UNPOISON_MEMORY_REGION(address, size) (static_cast<void>(address), static_cast<void>(size))
+#endif
+
+namespace arrlib {
+
+namespace {
+
+constexpr char alignment_mark[4] = {'A', 'L', 'G', 'N'};
+
+bool needs_moving(void const* block)
+{
+    return reinterpret_cast<std::uintptr_t>(block) % 8 == 4;
+}
+
+void* start_of_moved(void* block)
+{
+    char* const start = static_cast<char*>(block) - sizeof alignment_mark;
+    return std::memcmp(start, alignment_mark, sizeof alignment_mark) == 0 ? start : block;
+}
+
+} // namespace
+
+constinit Pool pool;
+
+// Takes one more block from the heap and links its chunks in address order. Answers null, or what
+// went wrong.
+char const* Pool::add_block()
+{
+    if (last_block_ + 1 >= max_blocks)
+        return messages::out_of_chunks;
+    char* const block = static_cast<char*>(platform::heap_allocate(block_size));
+    if (!block)
+        return messages::pool_out_of_memory;
+    blocks_[++last_block_] = block;
+    for (std::size_t offset = 0; offset < block_size; offset += chunk_size) {
+        Chunk* const chunk = reinterpret_cast<Chunk*>(block + offset);
+        chunk->next = offset + chunk_size < block_size ? reinterpret_cast<Chunk*>(block + offset + chunk_size) : nullptr;
+    }
+    free_ = reinterpret_cast<Chunk*>(block);
+    ASAN_POISON_MEMORY_REGION(block, block_size);
+    return nullptr;
+}
+
+void* Pool::allocate_slow(std::size_t size)
+{
+    void* start = nullptr;
+    char const* problem = nullptr;
+    if (size > largest_small) {
+        if (size <= std::numeric_limits<std::size_t>::max() - 5)
+            start = platform::heap_allocate(size + 5);
+        if (!start) {
+            error(messages::out_of_memory);
+            return nullptr;
+        }
+    } else {
+        // Reports run hooks, and hooks may allocate: never report with the lock held.
+        LockGuard const guard(Lock::pool);
+        if (!free_)
+            problem = add_block();
+        if (!problem) {
+            Chunk* const chunk = free_;
+            ASAN_UNPOISON_MEMORY_REGION(chunk, sizeof(Chunk));
+            free_ = chunk->next;
+            ASAN_POISON_MEMORY_REGION(chunk, sizeof(Chunk));
+            ++outstanding_;
+            start = chunk;
+        }
+    }
+    if (problem) {
+        nx_set_fatal_error();
+        error(problem);
+        return nullptr;
+    }
+    if (needs_moving(start)) {
+        ASAN_UNPOISON_MEMORY_REGION(start, size + sizeof alignment_mark);
+        std::memcpy(start, alignment_mark, sizeof alignment_mark);
+        moved_blocks_ = true;
+        return static_cast<char*>(start) + sizeof alignment_mark;
+    }
+    ASAN_UNPOISON_MEMORY_REGION(start, size);
+    return start;
+}
+
+void Pool::release_slow(void* block, std::size_t size) noexcept
+{
+    // A heap that answers addresses of 4 mod 8 keeps its own record in the four bytes before each
+    // block, so they can be read.
+    void* const start = moved_blocks_ ? start_of_moved(block) : block;
+    if (size > largest_small) {
+        platform::heap_release(start);
+        return;
+    }
+    LockGuard const guard(Lock::pool);
+    Chunk* const chunk = static_cast<Chunk*>(start);
+    ASAN_UNPOISON_MEMORY_REGION(chunk, chunk_size);
+    chunk->next = free_;
+    free_ = chunk;
+    ASAN_POISON_MEMORY_REGION(chunk, chunk_size);
+    if (--outstanding_ == 0)
+        give_back_blocks();
+}
+
+void Pool::give_back_blocks()
+{
+    for (; last_block_ >= 0; --last_block_) {
+        ASAN_UNPOISON_MEMORY_REGION(blocks_[last_block_], block_size);
+        platform::heap_release(blocks_[last_block_]);
+        blocks_[last_block_] = nullptr;
+    }
+    free_ = nullptr;
+}
+
+} // namespace arrlib

@@ -1,0 +1,78 @@
+// The only door to the operating system: one header, a POSIX and a Win32 implementation.
+#ifndef ARRLIB_PLATFORM_PLATFORM_H
+#define ARRLIB_PLATFORM_PLATFORM_H
+
+#include <cstddef>
+#include <cstdint>
+
+namespace arrlib::platform {
+
+// --- memory -----------------------------------------------------------------------------------
+
+// The heap behind every allocation of the library. Both functions may be replaced together, by
+// tests that count or refuse; null restores the C library's heap.
+using HeapAllocate = void* (*)(std::size_t size);
+using HeapRelease = void (*)(void* block);
+void set_heap(HeapAllocate allocate, HeapRelease release);
+void* heap_allocate(std::size_t size) noexcept;
+void heap_release(void* block) noexcept;
+
+// --- messages to the user -----------------------------------------------------------------------
+
+// A message box with one button; without a desktop the text goes to standard error, unless it has
+// been shown to the user already.
+void message_box(char const* text, char const* title, bool shown_already, bool over_foreground_window);
+
+// --- crashes ------------------------------------------------------------------------------------
+
+// Called once for a crash, on its own stack; only async-signal-safe work is allowed in it.
+using CrashReporter = void (*)(std::uint32_t exception_code);
+void install_crash_reporter(CrashReporter reporter);
+// Gives the calling thread what it needs to report an overflow of its stack.
+class CrashStack {
+public:
+    CrashStack() noexcept;
+    ~CrashStack();
+    CrashStack(CrashStack const&) = delete;
+    CrashStack& operator=(CrashStack const&) = delete;
+
+private:
+    void* stack_ = nullptr;
+};
+// Writes to standard output without buffers, also while the process is crashing.
+void write_to_output(char const* text, std::size_t length) noexcept;
+
+// --- process and threads ------------------------------------------------------------------------
+
+// Masks every floating-point trap and restores the default rounding and precision.
+void reset_floating_point();
+// SIGFPE sent on purpose is not to end the process.
+void ignore_floating_point_signal();
+// A little above normal, for the calling thread; a refusal changes nothing.
+void raise_thread_priority();
+int process_id();
+void sleep_milliseconds(unsigned milliseconds);
+// The value of an environment variable, or null.
+char const* environment(char const* name);
+
+// --- console ------------------------------------------------------------------------------------
+
+// 0 when no key is waiting, else its code; 4 (end of transmission) when the input has ended.
+int waiting_key();
+void clear_console();
+void home_console_cursor();
+
+// --- files --------------------------------------------------------------------------------------
+
+// Writes the content to `path`, whole or not at all: a regular file is written beside it under a
+// name of its own, flushed and renamed; anything else (a device, a pipe) is written directly.
+enum class WriteResult { done, not_created, not_written };
+WriteResult write_file(char const* path, char const* content, std::size_t length);
+
+// Reads a whole file into a block of the library's heap, with a zero byte behind it.
+enum class ReadResult { done, not_found, not_read, out_of_memory };
+ReadResult read_file(char const* path, char** content, std::size_t* length);
+
+} // namespace arrlib::platform
+
+#endif

@@ -1,0 +1,72 @@
+#include "runtime/parallel.h"
+
+#include "platform/platform.h"
+#include "runtime/errors.h"
+
+#include <atomic>
+#include <mutex>
+#include <system_error>
+#include <thread>
+
+namespace arrlib {
+
+int multi_thread_switch = 0;
+
+namespace {
+
+// Made before any code runs and never destroyed, so the pool may empty itself at any time.
+constinit std::mutex locks[3];
+constinit std::atomic<int> running_threads{0};
+
+void run_on_thread(M<double> (*function)())
+{
+    platform::CrashStack const stack_for_crashes;
+    try {
+        function();
+    } catch (char*) {
+        error_lasterr();
+    }
+    running_threads.fetch_sub(1, std::memory_order_release);
+}
+
+} // namespace
+
+LockGuard::LockGuard(Lock lock) noexcept : lock_(lock), held_(multi_threaded())
+{
+    if (held_)
+        locks[static_cast<int>(lock_)].lock();
+}
+
+LockGuard::~LockGuard()
+{
+    if (held_)
+        locks[static_cast<int>(lock_)].unlock();
+}
+
+} // namespace arrlib
+
+using namespace arrlib;
+
+int nx_set_MT(int on)
+{
+    __atomic_store_n(&multi_thread_switch, on, __ATOMIC_RELAXED);
+    return platform::process_id();
+}
+
+void par_run(M<double> (*function)())
+{
+    nx_set_MT(1);
+    running_threads.fetch_add(1, std::memory_order_relaxed);
+    try {
+        std::thread(run_on_thread, function).detach();
+    } catch (std::system_error const&) {
+        running_threads.fetch_sub(1, std::memory_order_relaxed);
+        error("par_run: could not start a thread");
+    }
+}
+
+void par_sync()
+{
+    while (running_threads.load(std::memory_order_acquire) != 0)
+        platform::sleep_milliseconds(50);
+}
