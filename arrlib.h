@@ -10,11 +10,17 @@
 #define ARRLIB_HEADER_VERSION 4010
 
 #include "core/api.h"
+#include "core/bracket.h"
+#include "core/cell.h"
 #include "core/declare.h"
+#include "core/join.h"
 #include "core/matrix.h"
+#include "core/reshape.h"
+#include "core/sparse.h"
 #include "core/subscript.h"
 #include "core/text.h"
 #include "io/text_file.h"
+#include "ops/sparse_random.h"
 #include "runtime/console.h"
 #include "runtime/constants.h"
 #include "runtime/display.h"

@@ -26,6 +26,24 @@ template <class T> struct Access {
         return made;
     }
 
+    // Most elements of a real value whose storage is a chunk of the pool.
+    static constexpr int most_small = static_cast<int>((Pool::largest_small - sizeof(StorageRecord)) / sizeof(double)) - Storage<double>::spare;
+
+    // A real full value of at least one and at most that many numbers; empty after a report.
+    static M<double> small(int rows, int cols)
+    {
+        M<double> made = Access<double>::without_storage();
+        int const count = rows * cols, capacity = count + Storage<double>::spare;
+        std::size_t const bytes = Storage<double>::bytes(static_cast<std::size_t>(capacity), false);
+        if (void* const block = pool.allocate(bytes)) {
+            made.adopt(Storage<double>::lay_out(block, bytes, capacity, false), count);
+            made.dims_[0] = rows;
+            made.dims_[1] = cols;
+            made.dims_[2] = made.dims_[3] = 1;
+        }
+        return made;
+    }
+
     // A sparse value with room for `capacity` entries of which `stored` count; nothing initialised.
     static M<T> sparse_with_room(bool complex, Dims const& shape, int stored, int capacity)
     {

@@ -8,6 +8,8 @@
 #define ARRLIB_API __declspec(dllexport)
 #else
 #define ARRLIB_API __declspec(dllimport)
+// A DLL exports no inline members of class templates: its users instantiate them themselves.
+#define ARRLIB_IMPORTING
 #endif
 #elif defined(_WIN32)
 #define ARRLIB_API

@@ -77,6 +77,28 @@ template <class T> T const& Elements<T>::readable(M<T> const& matrix, ElementPar
     return parts[at];
 }
 
+template <class T> void Elements<T>::make_writable(M<T>& matrix)
+{
+    if (matrix.issparse())
+        matrix.getfull();
+    matrix.unshare();
+    // The report of a copy that failed has returned: there is nothing to refer to.
+    if (matrix.dirty() || matrix.issparse())
+        end_process();
+}
+
+template <class T> void Elements<T>::outside(M<T> const& matrix, double k)
+{
+    checked(matrix, ElementPart::real, k);
+    end_process();
+}
+
+template <class T> void Elements<T>::outside(M<T> const& matrix, double row, double col)
+{
+    checked(matrix, ElementPart::real, row, col);
+    end_process();
+}
+
 template <class T> T& Elements<T>::writable(M<T>& matrix, ElementPart which, unsigned at)
 {
     if constexpr (std::is_same_v<T, double>) {
@@ -85,38 +107,10 @@ template <class T> T& Elements<T>::writable(M<T>& matrix, ElementPart which, uns
     } else if (which == ElementPart::imaginary) {
         out_of_matrix("%s.%s(%s): idx out of matrix", matrix, which, IntegerText(static_cast<int>(at) + 1));
     }
-    matrix.unshare();
-    // The reports of a copy that failed have returned: there is nothing to refer to.
-    if (matrix.dirty() || (which == ElementPart::imaginary && !matrix.im_))
+    make_writable(matrix);
+    if (which == ElementPart::imaginary && !matrix.im_)
         end_process();
-    if (matrix.issparse())
-        at = static_cast<unsigned>(entry_for(matrix, static_cast<int>(at)));
     return (which == ElementPart::real ? matrix.re_ : matrix.im_)[at];
-}
-
-// Number of the entry at a position of a sparse value that shares its storage with nobody; entered
-// as 0 when it is not stored.
-template <class T> int Elements<T>::entry_for(M<T>& matrix, int where)
-{
-    if constexpr (std::is_same_v<T, double>) {
-        int const entry = static_cast<int>(std::lower_bound(matrix.index_, matrix.index_ + matrix.nnz_, where) - matrix.index_);
-        if (entry < matrix.nnz_ && matrix.index_[entry] == where)
-            return entry;
-        int const stored = matrix.nnz_;
-        matrix.extend_nnz(stored + 1);
-        if (matrix.nnz_ == stored)
-            end_process();
-        std::copy_backward(matrix.index_ + entry, matrix.index_ + stored, matrix.index_ + stored + 1);
-        std::copy_backward(matrix.re_ + entry, matrix.re_ + stored, matrix.re_ + stored + 1);
-        if (matrix.im_) {
-            std::copy_backward(matrix.im_ + entry, matrix.im_ + stored, matrix.im_ + stored + 1);
-            matrix.im_[entry] = 0;
-        }
-        matrix.re_[entry] = 0;
-        matrix.index_[entry] = where;
-        return entry;
-    }
-    return where;
 }
 
 template <class T> T& Elements<T>::write(M<T>& matrix, ElementPart which, double k)

@@ -17,8 +17,6 @@ char const* MObject::classname() const
     return "MObject";
 }
 
-MObject::~MObject() = default;
-
 void MObject::display(int) {}
 
 template <class T> char const* M<T>::classname() const

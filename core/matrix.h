@@ -23,7 +23,7 @@ ARRLIB_API extern int variables_watched;
 
 // The general forms of r() and i(), out of line.
 template <class T> struct ARRLIB_API Elements {
-    ARRLIB_COLD static T& write(M<T>& matrix, ElementPart which, double k);
+    static T& write(M<T>& matrix, ElementPart which, double k);
     static T& write(M<T>& matrix, ElementPart which, double row, double col);
     static T& write(M<T>& matrix, ElementPart which, double row, double col, double depth);
     static T& write(M<T>& matrix, ElementPart which);
@@ -31,8 +31,13 @@ template <class T> struct ARRLIB_API Elements {
     static T const& read(M<T> const& matrix, ElementPart which, double row, double col);
     static T const& read(M<T> const& matrix, ElementPart which, double row, double col, double depth);
     static T const& read(M<T> const& matrix, ElementPart which);
+    // Gives the value storage of its own, in full form: references need a place to refer to. Ends
+    // the process when that cannot be had.
+    ARRLIB_COLD static void make_writable(M<T>& matrix);
+    // Reports the real part that is not there.
+    [[noreturn]] ARRLIB_COLD static void outside(M<T> const& matrix, double k);
+    [[noreturn]] ARRLIB_COLD static void outside(M<T> const& matrix, double row, double col);
     // By zero-based position, which must exist.
-    static T& writable(M<T>& matrix, ElementPart which, unsigned at);
     static T const& readable(M<T> const& matrix, ElementPart which, unsigned at);
 
 private:
@@ -40,7 +45,7 @@ private:
     static unsigned checked(M<T> const& matrix, ElementPart which, double row, double col);
     static unsigned checked(M<T> const& matrix, ElementPart which, double row, double col, double depth);
     static unsigned checked(M<T> const& matrix, ElementPart which);
-    static int entry_for(M<T>& matrix, int at);
+    static T& writable(M<T>& matrix, ElementPart which, unsigned at);
 };
 
 } // namespace arrlib
@@ -53,7 +58,7 @@ public:
     void setname(char const* name) { name_ = name; }
 
     virtual char const* classname() const;
-    virtual ~MObject();
+    virtual ~MObject() = default;
     // Shows a copy of the value as a statement without a semicolon does.
     virtual void display(int);
 
@@ -150,6 +155,9 @@ public:
         return *this;
     }
 
+    // x = [x, ...] extends x in place when it can (core/bracket.h).
+    M& operator=(Mb<T> const& bracket);
+
     // Makes the matrix empty and named without looking at what it was: for memory that holds no
     // value yet.
     void create(char const* name);
@@ -244,22 +252,10 @@ public:
     // References to real and imaginary parts, 1-based, bounds checked. An index outside is reported
     // and ends the process: "%s.r(row,col): row or col out of matrix", "%s.r(row,col,depth): row or
     // col out of matrix", "%s.r(%s): idx out of matrix", "%s.r(): matrix is empty"; the same with
-    // "i". The forms that can write give a shared value its own storage first, and a real one its
-    // imaginary part; an element that a sparse value does not store is entered as 0.
-    T& r(double k)
-    {
-        unsigned const at = position(k);
-        if (ARRLIB_LIKELY(at < static_cast<unsigned>(nnz_) && in_place()))
-            return re_[at];
-        return elements::write(*this, arrlib::ElementPart::real, k);
-    }
-    T& r(double row, double col)
-    {
-        unsigned const i = position(row), j = position(col);
-        if (ARRLIB_LIKELY(i < static_cast<unsigned>(dims_[0]) && j < static_cast<unsigned>(dims_[1]) && in_place()))
-            return re_[static_cast<std::size_t>(j) * static_cast<unsigned>(dims_[0]) + i];
-        return elements::write(*this, arrlib::ElementPart::real, row, col);
-    }
+    // "i". The forms that can write give a shared value its own storage first, a real one its
+    // imaginary part, and a sparse one its full form (S(i,j) reads and writes sparse elements).
+    T& r(double k) { return element(position(k), k); }
+    T& r(double row, double col) { return element(position(row), position(col), row, col); }
     T& r(double row, double col, double depth) { return elements::write(*this, arrlib::ElementPart::real, row, col, depth); }
     T& r() { return elements::write(*this, arrlib::ElementPart::real); }
     T const& r(double k) const
@@ -315,8 +311,9 @@ public:
     void unsparse(int n, T* re, T* im) const;
     // Makes room: entries up to n are added as value 0 at position 0, for the caller to fill.
     void extend_nnz(int n);
-    // Column starts and row numbers of the stored entries, in C++ heap arrays that the caller
-    // deletes with delete[].
+    // Column starts and row numbers of the stored entries, in arrays that the caller gives back
+    // with nx_release_index; null after "Out of memory!". Entry c of the starts is the number of
+    // the first entry in column c, the last one the number of entries.
     int* Jc() const;
     int* Jc(col_list_limits_t& limits) const;
     int* Ir() const;
@@ -374,6 +371,12 @@ private:
         int capacity_;
     };
 
+    // A real full value of one element, or an empty one when its storage could not be had.
+    M(arrlib::StorageBlock<T> const& block, int one)
+        : MObject(nullptr), flags_(0), ndims_(2), dims_{block.re ? one : 0, block.re ? one : 0, block.re ? one : 0, block.re ? one : 0},
+          capacity_(block.capacity), shared_(block.record), re_(block.re), im_(nullptr), nnz_(block.re ? one : 0), index_(nullptr)
+    {
+    }
     // An empty value without storage.
     struct unmade {};
     M(unmade, char const* name)
@@ -383,7 +386,15 @@ private:
 
     void make(int rows, int cols, bool complex);
     void make(int complex, int sparse, int nzmax, int ndims, int const* dims);
-    void adopt(arrlib::StorageBlock<T> const& block, int count);
+    void adopt(arrlib::StorageBlock<T> const& block, int count)
+    {
+        capacity_ = block.capacity;
+        shared_ = block.record;
+        re_ = block.re;
+        im_ = block.im;
+        index_ = block.index;
+        nnz_ = count;
+    }
     void forget_storage()
     {
         ndims_ = 2;
@@ -427,6 +438,22 @@ private:
         return subscript >= 1.0 && subscript < 2147483648.0 ? static_cast<unsigned>(static_cast<int>(subscript)) - 1u : ~0u;
     }
     bool in_place() const { return !issparse() && !dirty(); }
+    T& element(unsigned at, double k)
+    {
+        if (ARRLIB_UNLIKELY(!in_place()))
+            elements::make_writable(*this);
+        if (ARRLIB_UNLIKELY(at >= static_cast<unsigned>(nnz_)))
+            elements::outside(*this, k);
+        return re_[at];
+    }
+    T& element(unsigned i, unsigned j, double row, double col)
+    {
+        if (ARRLIB_UNLIKELY(!in_place()))
+            elements::make_writable(*this);
+        if (ARRLIB_UNLIKELY(i >= static_cast<unsigned>(dims_[0]) || j >= static_cast<unsigned>(dims_[1])))
+            elements::outside(*this, row, col);
+        return re_[static_cast<std::size_t>(j) * static_cast<unsigned>(dims_[0]) + i];
+    }
 
     unsigned flags_;
     int ndims_;
@@ -439,37 +466,24 @@ private:
     int* index_;
 };
 
-template <>
-inline M<double>::M(double const& value) : M(unmade{}, nullptr)
+template <> inline M<double>::M(double const& value) : M(arrlib::Storage<double>::take_scalar(value), 1)
 {
-    constexpr int capacity = 1 + arrlib::Storage<double>::spare;
-    constexpr std::size_t bytes = arrlib::Storage<double>::bytes(capacity, false);
-    static_assert(bytes <= arrlib::Pool::largest_small);
-    if (void* const block = arrlib::pool.allocate(bytes)) {
-        adopt(arrlib::Storage<double>::lay_out(block, bytes, capacity, false), 1);
-        dims_[0] = dims_[1] = dims_[2] = dims_[3] = 1;
-        re_[0] = value;
-        flags_ = scalar_variable_mark;
-    }
+    mark_scalar_variable();
 }
 
-template <class T> inline void M<T>::adopt(arrlib::StorageBlock<T> const& block, int count)
-{
-    capacity_ = block.capacity;
-    shared_ = block.record;
-    re_ = block.re;
-    im_ = block.im;
-    index_ = block.index;
-    nnz_ = count;
-}
+template <> ARRLIB_API M<M<double>>::M(M<double> const& value);
+template <> ARRLIB_API M<double>::M(Mr<double> const& selection);
+template <> ARRLIB_API M<M<double>>::M(Mr<M<double>> const& selection);
+template <> ARRLIB_API M<double>::M(Sr<double> const& selection);
+template <> ARRLIB_API M<M<double>>::M(Sr<M<double>> const& selection);
+template <> ARRLIB_API void M<double>::display(int);
+template <> ARRLIB_API void M<M<double>>::display(int);
 
-template <> M<M<double>>::M(M<double> const& value);
-template <> void M<double>::display(int);
-template <> void M<M<double>>::display(int);
-
+#if !defined(ARRLIB_IMPORTING)
 extern template struct arrlib::Elements<double>;
 extern template struct arrlib::Elements<M<double>>;
 extern template class M<double>;
 extern template class M<M<double>>;
+#endif
 
 #endif

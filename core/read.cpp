@@ -1,9 +1,17 @@
-// Reading through subscript proxies: the fast two-dimensional cases.
+// Reading through subscript proxies.
+#include "core/read.h"
+
 #include "core/access.h"
-#include "core/subscript.h"
 #include "runtime/constants.h"
 #include "runtime/errors.h"
 #include "runtime/report.h"
+
+#include <algorithm>
+#include <type_traits>
+
+#if defined(__x86_64__)
+#include <emmintrin.h>
+#endif
 
 using namespace arrlib;
 
@@ -12,3 +20,446 @@ void arrlib::proxy_misused(char const* message)
     error(message);
     end_process();
 }
+
+template <> M<double> arrlib::x_M_of()
+{
+    return x_M;
+}
+
+template <> M<M<double>> arrlib::x_M_of()
+{
+    return {};
+}
+
+namespace {
+
+constexpr char linear_message[] = "%s(%s) : Index out of matrix. Index value was %s however the indexed matrix has %s elements.";
+constexpr char row_message[] = "%s(%s,%s): row index out of matrix. Index was %s but indexed matrix has %s rows.";
+constexpr char col_message[] = "%s(%s,%s): col index out of matrix. Index was %s but indexed matrix has %s columns.";
+
+bool is_plain(M<double> const& matrix)
+{
+    return !matrix.issparse() && matrix.getndims() == 2;
+}
+bool is_plain(M<M<double>> const& matrix)
+{
+    return matrix.getndims() == 2;
+}
+
+template <class T> M<T> like(M<T> const& source, Dims const& shape)
+{
+    M<T> made = Access<T>::full(source.isc(), shape);
+    Access<T>::copy_kind(made, source);
+    made.clear_scalar_variable();
+    return made;
+}
+
+// --- A(I) -----------------------------------------------------------------------------------------
+
+template <class T> M<T> read_all(M<T> const& target)
+{
+    M<T> whole = share(target);
+    if (target.size() > 0)
+        whole.reshape(target.size(), 1);
+    return whole;
+}
+
+// A position that A has, 0 after the report of one that it has not.
+template <class T> ARRLIB_COLD int reported_linear(M<T> const& target, M<double> const& index, double value)
+{
+    error(linear_message, OperandName(target), OperandName(index), IntegerText(value), IntegerText(target.size()));
+    return 0;
+}
+
+#if defined(__x86_64__)
+// Gathers elements four by four as long as their subscripts lie within the matrix; returns how many
+// it has done. The conversion answers the smallest integer for what does not fit, NaN included.
+int gather_inside(double* to, double const* from, double const* values, int count, int elements)
+{
+    __m128d const one = _mm_set1_pd(1);
+    __m128i const last = _mm_set1_epi32(elements - 1);
+    int k = 0;
+    for (; k + 4 <= count; k += 4) {
+        __m128i const low = _mm_cvttpd_epi32(_mm_sub_pd(_mm_loadu_pd(values + k), one));
+        __m128i const high = _mm_cvttpd_epi32(_mm_sub_pd(_mm_loadu_pd(values + k + 2), one));
+        __m128i const at = _mm_unpacklo_epi64(low, high);
+        __m128i const outside = _mm_or_si128(at, _mm_sub_epi32(last, at));
+        if (ARRLIB_UNLIKELY(_mm_movemask_ps(_mm_castsi128_ps(outside))))
+            break;
+        auto const first = static_cast<std::uint64_t>(_mm_cvtsi128_si64(at));
+        auto const second = static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(at, at)));
+        to[k] = from[first & 0xffffffffu];
+        to[k + 1] = from[first >> 32];
+        to[k + 2] = from[second & 0xffffffffu];
+        to[k + 3] = from[second >> 32];
+    }
+    return k;
+}
+#endif
+
+// Gathers one part, reporting each subscript outside the matrix if asked.
+template <class T> bool gather_values(T* to, T const* from, M<T> const& target, M<double> const& index, bool report)
+{
+    int const elements = target.size();
+    double const* const values = index.addr();
+    int const n = index.size();
+    int k = 0;
+    while (k < n) {
+#if defined(__x86_64__)
+        if constexpr (std::is_same_v<T, double>)
+            k += gather_inside(to + k, from, values + k, n - k, elements);
+        int const stop = std::min(k + 4, n);
+#else
+        int const stop = n;
+#endif
+        for (; k < stop; ++k) {
+            int at = zero_based(values[k]);
+            if (ARRLIB_UNLIKELY(at < 0 || at >= elements))
+                at = report ? reported_linear(target, index, values[k]) : 0;
+            if (elements > 0)
+                to[k] = from[at];
+        }
+    }
+    return elements > 0;
+}
+
+template <class T> M<T> read_numeric(M<T> const& target, M<double> const& index)
+{
+    M<T> made = like(target, shape_of_linear_read(target, index, index.size()));
+    if (made.size() < 1)
+        return made;
+    if (!gather_values(made.addr(), target.addr(), target, index, true))
+        return x_M_of<T>();
+    if (target.isc())
+        gather_values(made.addi(), target.addi(), target, index, false);
+    return made;
+}
+
+bool is_set(double value)
+{
+    return value != 0 && value == value;
+}
+
+// Packs the chosen elements of one part; `to` has room for one more than are chosen.
+template <class T> void pack(T* to, T const* from, double const* chosen, int count)
+{
+    for (int k = 0; k < count; ++k) {
+        *to = from[k];
+        to += is_set(chosen[k]);
+    }
+}
+
+// A full mask no longer than the matrix, or with nothing set beyond it, needs no list of positions.
+template <class T> M<T> read_mask(M<T> const& target, M<double> const& mask)
+{
+    double const* const chosen = mask.addr();
+    int n = 0;
+    for (int k = 0; k < mask.size(); ++k)
+        n += is_set(chosen[k]);
+    Dims const shape = shape_of_linear_read(target, mask, n);
+    M<T> made = shape.count < 1 ? M<T>() : Access<T>::full_with_room(target.isc(), shape, n + 6);
+    Access<T>::copy_kind(made, target);
+    if (made.size() < 1)
+        return made;
+    int const reach = std::min(mask.size(), target.size());
+    pack(made.addr(), target.addr(), chosen, reach);
+    if (target.isc())
+        pack(made.addi(), target.addi(), chosen, reach);
+    return made;
+}
+
+template <class T> M<T> read_logical(M<T> const& target, M<double> const& index)
+{
+    int const elements = target.size();
+    bool const beyond = !index.issparse() && index.size() > elements && std::any_of(index.addr() + elements, index.addr() + index.size(), is_set);
+    if (!index.issparse() && !beyond)
+        return read_mask(target, index);
+    Subscript set;
+    if (!set.resolve(index, 0))
+        return x_M_of<T>();
+    int const n = set.count();
+    M<T> made = like(target, shape_of_linear_read(target, index, n));
+    if (made.size() < 1)
+        return made;
+    for (int k = 0; k < n; ++k) {
+        int at = set[k];
+        if (ARRLIB_UNLIKELY(at >= elements)) {
+            at = reported_linear(target, index, at + 1.0);
+            if (elements == 0)
+                return x_M_of<T>();
+        }
+        made.addr()[k] = target.addr()[at];
+        if (target.isc())
+            made.addi()[k] = target.addi()[at];
+    }
+    return made;
+}
+
+template <class T> M<T> read_linear(M<T> const& target, M<double> const& index)
+{
+    if (arrlib::is_colon(index))
+        return read_all(target);
+    if constexpr (std::is_same_v<T, double>)
+        if (target.issamename(x_Mp))
+            return M<double>(1);
+    return index.islogical() ? read_logical(target, index) : read_numeric(target, index);
+}
+
+// --- A(I,J) ---------------------------------------------------------------------------------------
+
+// Reports every subscript outside 1..extent and puts the first in its place.
+template <class T>
+HeapArray<int> mended(Mr<T> const& selection, M<double> const& index, Subscript const& subscript, int extent, char const* message)
+{
+    HeapArray<int> list(static_cast<std::size_t>(subscript.count()));
+    if (!list)
+        return list;
+    double const* const values = index.issparse() || subscript.is_logical() || subscript.is_colon() ? nullptr : index.addr();
+    for (int k = 0; k < subscript.count(); ++k) {
+        int const at = subscript[k];
+        double const value = values ? values[k] : at + 1.0;
+        bool const good = at >= 0 && at < extent && value >= 1;
+        list[static_cast<std::size_t>(k)] = good ? at : 0;
+        if (!good)
+            error(message, OperandName(selection.target()), OperandName(selection.index(0)), OperandName(selection.index(1)), IntegerText(value),
+                  IntegerText(extent));
+    }
+    return list;
+}
+
+bool within(Subscript const& subscript, int extent)
+{
+    return subscript.smallest() >= 0 && subscript.largest() < extent && !subscript.has_value_below_one();
+}
+
+// Gathers columns of one part. `rows` is null when they are a run from `first_row`.
+template <class T> void gather(T* to, T const* from, int source_rows, int const* rows, int first_row, int row_count, Subscript const& cols, int const* col_list)
+{
+    for (int c = 0; c < cols.count(); ++c) {
+        T const* const column = from + static_cast<std::ptrdiff_t>(col_list ? col_list[c] : cols[c]) * source_rows;
+        if (rows)
+            for (int r = 0; r < row_count; ++r)
+                to[r] = column[rows[r]];
+        else
+            std::copy_n(column + first_row, row_count, to);
+        to += row_count;
+    }
+}
+
+template <class T> M<T> read_block(Mr<T> const& selection)
+{
+    M<T> const& target = selection.target();
+    M<double> const &i = selection.index(0), &j = selection.index(1);
+    if (arrlib::is_colon(i) && arrlib::is_colon(j))
+        return share(target);
+    Subscript rows, cols;
+    if (!rows.resolve(i, target.rows()) || !cols.resolve(j, target.cols()))
+        return x_M_of<T>();
+    // Columns are looked at first, whatever the selection comes to.
+    HeapArray<int> mended_rows, mended_cols;
+    if (!within(cols, target.cols()) && !(mended_cols = mended(selection, j, cols, target.cols(), col_message)))
+        return x_M_of<T>();
+    if (!within(rows, target.rows()) && !(mended_rows = mended(selection, i, rows, target.rows(), row_message)))
+        return x_M_of<T>();
+    M<T> made = like(target, Dims(rows.count(), cols.count()));
+    if (made.size() < 1 || target.size() < 1)
+        return made.size() < 1 ? made : x_M_of<T>();
+    int const* const row_list = mended_rows ? mended_rows.data() : rows.list();
+    gather(made.addr(), target.addr(), target.rows(), row_list, rows.first(), rows.count(), cols, mended_cols.data());
+    if (target.isc())
+        gather(made.addi(), target.addi(), target.rows(), row_list, rows.first(), rows.count(), cols, mended_cols.data());
+    return made;
+}
+
+// --- any selection --------------------------------------------------------------------------------
+
+template <class T> M<T> read_general(Mr<T> const& selection)
+{
+    M<T> const& target = selection.target();
+    Odometer odometer;
+    if (!odometer.resolve(selection))
+        return x_M_of<T>();
+    if (odometer.count() < 0) {
+        error(messages::out_of_memory);
+        return x_M_of<T>();
+    }
+    bool const linear = odometer.positions() == 1;
+    if (linear && odometer.subscript(0).is_colon() && !target.issparse())
+        return read_all(target);
+    // The sizes beyond the subscripts used do not take part.
+    int const elements[] = {target.size(), 1, 1, 1};
+    int const* const sizes = linear ? elements : target.getdims();
+    Dims const shape = linear ? shape_of_linear_read(target, selection.index(0), odometer.count()) : odometer.selected();
+    bool const inside = odometer.inside(target);
+    if (!inside && target.size() < 1) {
+        odometer.walk_reporting(selection, sizes, false, [](int, int) {});
+        return x_M_of<T>();
+    }
+    if constexpr (std::is_same_v<T, double>) {
+        if (target.issparse() && shape.ndims > 2) {
+            // Sparse values have two dimensions; what selects more is full.
+            M<double> full_target = target;
+            full_target.getfull();
+            auto const index = [&selection](int k) { return k < selection.count() ? &selection.index(k) : nullptr; };
+            return read_general(Mr<double>(selection.count(), full_target, index(0), index(1), index(2), index(3)));
+        }
+        if (target.issparse()) {
+            if (!inside)
+                odometer.walk_reporting(selection, sizes, false, [](int, int) {});
+            return read_sparse(target, odometer, shape);
+        }
+    }
+    M<T> made = like(target, shape);
+    if (made.size() < 1)
+        return made;
+    auto const take = [&made, &target](int step, int at) {
+        made.addr()[step] = target.addr()[at];
+        if (target.isc())
+            made.addi()[step] = target.addi()[at];
+    };
+    if (inside)
+        odometer.walk(sizes, take);
+    else
+        odometer.walk_reporting(selection, sizes, false, take);
+    return made;
+}
+
+} // namespace
+
+// A row keeps its direction, so does a column; the index decides otherwise.
+template <class T> Dims arrlib::shape_of_linear_read(M<T> const& target, M<double> const& index, int n)
+{
+    bool const target_is_row = target.getndims() == 2 && target.rows() == 1 && target.cols() != 1;
+    bool const target_is_column = target.getndims() == 2 && target.cols() == 1 && target.rows() != 1;
+    if (arrlib::is_colon(index))
+        return Dims(n, 1);
+    if (index.islogical()) {
+        bool const index_is_row = index.getndims() == 2 && index.rows() == 1;
+        bool const as_row = target_is_row || (!target_is_column && index_is_row);
+        return as_row ? Dims(1, n) : Dims(n, 1);
+    }
+    bool const index_is_vector = index.vectordim() != 0;
+    if (target.size() > 1 && index_is_vector && target_is_column)
+        return Dims(n, 1);
+    if (target.size() > 1 && index_is_vector && target_is_row)
+        return Dims(1, n);
+    return Dims(index.getndims(), index.getdims());
+}
+
+template <class T> M<T> arrlib::read(Mr<T> const& selection)
+{
+    bool plain = is_plain(selection.target());
+    for (int k = 0; k < selection.count(); ++k)
+        plain = plain && is_plain(selection.index(k));
+    switch (selection.count()) {
+    case 0:
+        return share(selection.target());
+    case 1:
+        // A sparse logical index selects like a full one.
+        if (is_plain(selection.target()) && (plain || (selection.index(0).islogical() && selection.index(0).getndims() == 2)))
+            return read_linear(selection.target(), selection.index(0));
+        return read_general(selection);
+    case 2:
+        return plain ? read_block(selection) : read_general(selection);
+    default:
+        return read_general(selection);
+    }
+}
+
+namespace {
+
+// Zero-based position of what the numeric subscripts select, or -1.
+template <class T> int position_of(Sr<T> const& selection)
+{
+    M<T> const& target = selection.target();
+    int const count = selection.count();
+    if (count == 1)
+        return static_cast<unsigned>(selection.subscript(0)) < static_cast<unsigned>(target.size()) ? selection.subscript(0) : -1;
+    int position = 0;
+    for (int k = count - 1; k >= 0; --k) {
+        int const extent = target.getdims()[k];
+        if (static_cast<unsigned>(selection.subscript(k)) >= static_cast<unsigned>(extent))
+            return -1;
+        position = position * extent + selection.subscript(k);
+    }
+    return position;
+}
+
+} // namespace
+
+template <class T> M<T> arrlib::read(Sr<T> const& selection)
+{
+    M<T>& target = selection.target();
+    if (selection.count() == 0)
+        return share(target);
+    int const position = position_of(selection);
+    if (position < 0) {
+        M<double> const i(selection.subscript(0) + 1.0), j(selection.subscript(1) + 1.0), k(selection.subscript(2) + 1.0), l(selection.subscript(3) + 1.0);
+        return read_general(Mr<T>(selection.count(), target, &i, &j, &k, &l));
+    }
+    auto const at = static_cast<unsigned>(position);
+    M<T> made = Access<T>::full(target.isc(), Dims(1, 1));
+    if (made.size() != 1)
+        return made;
+    made.addr()[0] = Elements<T>::readable(target, ElementPart::real, at);
+    if (target.isc())
+        made.addi()[0] = Elements<T>::readable(target, ElementPart::imaginary, at);
+    Access<T>::copy_kind(made, target);
+    return made;
+}
+
+template <> M<double>::M(Mr<double> const& selection) : M(arrlib::read(selection)) {}
+template <> M<M<double>>::M(Mr<M<double>> const& selection) : M(arrlib::read(selection)) {}
+// The commonest read of all: one element of a real full value.
+template <> M<double>::M(Sr<double> const& selection) : M(unmade{}, nullptr)
+{
+    M const& target = selection.target();
+    int const position = selection.count() > 0 ? position_of(selection) : -1;
+    if (ARRLIB_LIKELY(position >= 0 && !target.issparse() && !target.isc())) {
+        *this = M(Storage<double>::take_scalar(target.re_[position]), 1);
+        flags_ = target.flags_ & (string_flag | logical_flag);
+    } else {
+        *this = arrlib::read(selection);
+    }
+}
+template <> M<M<double>>::M(Sr<M<double>> const& selection) : M(arrlib::read(selection)) {}
+
+// --- A{...} ---------------------------------------------------------------------------------------
+
+// True when every index selects at most one element; reported otherwise.
+template <class T> bool arrlib::selects_one(Mr<T> const& selection)
+{
+    for (int k = 0; k < selection.count(); ++k) {
+        M<double> const& index = selection.index(k);
+        Subscript subscript;
+        int const extent = selection.count() == 1 ? selection.target().size() : selection.target().getdims()[k];
+        if (!subscript.resolve(index, extent))
+            return false;
+        if (subscript.count() > 1) {
+            if (selection.count() == 1)
+                error("%s{%s} : indexed more than one element", OperandName(selection.target()), OperandName(index));
+            else
+                error("%s{%s,%s} : indexed more than one element", OperandName(selection.target()), OperandName(selection.index(0)),
+                      OperandName(selection.index(1)));
+            return false;
+        }
+    }
+    return true;
+}
+
+template <class T> Ms<T>::operator T() const
+{
+    if (!selects_one(selection_))
+        return T();
+    M<T> const one = arrlib::read(selection_);
+    return one.size() > 0 ? one[1] : T();
+}
+
+template Ms<double>::operator double() const;
+template Ms<M<double>>::operator M<double>() const;
+template M<double> arrlib::read(Mr<double> const&);
+template M<M<double>> arrlib::read(Mr<M<double>> const&);
+template Dims arrlib::shape_of_linear_read(M<double> const&, M<double> const&, int);
+template Dims arrlib::shape_of_linear_read(M<M<double>> const&, M<double> const&, int);
+template bool arrlib::selects_one(Mr<double> const&);
+template bool arrlib::selects_one(Mr<M<double>> const&);

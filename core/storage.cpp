@@ -145,7 +145,7 @@ void Storage<M<double>>::copy(M<double>* to, M<double> const* from, int count)
 void Storage<M<double>>::clear(M<double>* to, int count)
 {
     for (int k = 0; k < count; ++k)
-        to[k] = M<double>();
+        to[k] = Access<double>::without_storage();
 }
 
 } // namespace arrlib

@@ -16,18 +16,16 @@ namespace arrlib {
 // of the size is 0 where addresses have 32 bits.
 struct StorageRecord {
     int refs;
-    std::uint32_t size_low;
-    std::uint32_t size_high;
+    std::uint32_t size_words[2];
 
-    constexpr std::size_t size() const
+    // Moved as one piece both ways: two halves read as one would wait for the store.
+    std::size_t size() const
     {
-        return static_cast<std::size_t>((static_cast<std::uint64_t>(size_high) << 32) | size_low);
+        std::uint64_t size;
+        __builtin_memcpy(&size, size_words, sizeof size);
+        return static_cast<std::size_t>(size);
     }
-    constexpr void set_size(std::size_t size)
-    {
-        size_low = static_cast<std::uint32_t>(size);
-        size_high = static_cast<std::uint32_t>(static_cast<std::uint64_t>(size) >> 32);
-    }
+    void set_size(std::uint64_t size) { __builtin_memcpy(size_words, &size, sizeof size); }
 };
 static_assert(sizeof(StorageRecord) == 12);
 
@@ -49,9 +47,11 @@ inline bool drop_reference(StorageRecord* record)
     return --record->refs == 0;
 }
 
+// Whoever finds himself alone may write: what others read before they let go is ordered by their
+// letting go and by the test itself.
 inline bool is_only_reference(StorageRecord const* record)
 {
-    return __atomic_load_n(&record->refs, __ATOMIC_ACQUIRE) == 1;
+    return load_shared(record->refs) == 1;
 }
 
 // What a policy hands out; a null record means that the storage could not be had.
@@ -94,6 +94,20 @@ template <> struct Storage<double> {
         made.record->refs = 1;
         made.record->set_size(size);
         made.capacity = capacity;
+        return made;
+    }
+
+    // The storage of a 1x1 real value; the fast path of it all.
+    static StorageBlock<double> take_scalar(double value)
+    {
+        constexpr int capacity = 1 + spare;
+        constexpr std::size_t size = bytes(capacity, false);
+        static_assert(size <= Pool::largest_small);
+        void* const block = pool.allocate(size);
+        if (ARRLIB_UNLIKELY(!block))
+            return {};
+        StorageBlock<double> const made = lay_out(block, size, capacity, false);
+        made.re[0] = value;
         return made;
     }
 

@@ -28,7 +28,8 @@ int Mstr(M<double> const& value, char* buffer, int limit)
     M<double> full_value = value;
     if (value.issparse())
         full_value.getfull();
-    int const length = full_value.size();
+    // Still sparse when its full form could not be had, which has been reported.
+    int const length = full_value.issparse() ? 0 : full_value.size();
     int const copied = std::min(length, limit);
     std::transform(full_value.addr(), full_value.addr() + copied, buffer, character_code);
     buffer[copied] = '\0';

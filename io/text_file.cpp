@@ -120,6 +120,8 @@ M<double> full_form(M<double> const& matrix)
 bool append_rows(M<double> const& matrix, HeapArray<char>& text, std::size_t& length)
 {
     M<double> const x = full_form(matrix);
+    if (x.issparse()) // the full form could not be had
+        return false;
     if (x.size() < 1)
         return true;
     auto const rows = static_cast<std::size_t>(x.rows()), cols = static_cast<std::size_t>(x.cols());

@@ -15,7 +15,7 @@ template <int elements, bool complex> struct StaticBlock {
     static constexpr int capacity = elements + Storage<double>::spare;
     double re[std::size_t{capacity}] = {};
     double im[complex ? std::size_t{capacity} : 1] = {};
-    StorageRecord record{2, sizeof(re), 0};
+    StorageRecord record{2, {0, 0}};
 
     constexpr explicit StaticBlock(double real = 0, double imaginary = 0)
     {
@@ -31,7 +31,7 @@ constinit StaticBlock<1, false> pi_block{3.141592653589793}, eps_block{std::nume
 constinit StaticBlock<1, true> i_block{0, 1}, j_block{0, 1};
 
 struct StaticCellBlock {
-    StorageRecord record{2, 0, 0};
+    StorageRecord record{2, {0, 0}};
     constexpr StaticStorage<M<double>> storage() { return {0, 0, &record, nullptr, nullptr}; }
 };
 constinit StaticCellBlock nop_MM_block, switchvar_block;

@@ -38,22 +38,24 @@ struct Widths {
     std::size_t imaginary = 1;
 };
 
-std::size_t longest_text(double const* parts, int count, bool nonzero_only)
+bool is_zero(double const* re, double const* im, int k)
 {
-    char text[number_text_size];
-    std::size_t longest = 0;
-    for (int k = 0; k < count; ++k)
-        if (!nonzero_only || parts[k] != 0)
-            longest = std::max(longest, write_general(text, parts[k], significant_digits));
-    return longest;
+    return re[k] == 0 && (!im || im[k] == 0);
 }
 
+// Of a sparse value only what is not zero counts, with both its parts.
 Widths widths_of(double const* re, double const* im, int count, bool nonzero_only)
 {
+    char text[number_text_size];
     Widths widths;
-    widths.real = longest_text(re, count, nonzero_only) + 2;
-    if (im)
-        widths.imaginary = longest_text(im, count, false);
+    for (int k = 0; k < count; ++k) {
+        if (nonzero_only && is_zero(re, im, k))
+            continue;
+        widths.real = std::max(widths.real, write_general(text, re[k], significant_digits));
+        if (im)
+            widths.imaginary = std::max(widths.imaginary, write_general(text, im[k], significant_digits));
+    }
+    widths.real += 2;
     return widths;
 }
 
@@ -129,10 +131,9 @@ void show_sparse(M<double> const& x)
     double const* const im = x.isc() ? x.spaddi() : nullptr;
     int const* const index = x.getindex();
     int const stored = x.getnnz();
-    auto const is_zero = [re, im](int k) { return re[k] == 0 && (!im || im[k] == 0); };
     int shown = 0;
     for (int k = 0; k < stored; ++k)
-        shown += !is_zero(k);
+        shown += !is_zero(re, im, k);
     if (shown == 0) {
         nx_print("All zeros sparse\n");
         return;
@@ -141,7 +142,7 @@ void show_sparse(M<double> const& x)
     bool const vector = x.vectordim() != 0;
     int const digits = decimal_digits(vector ? x.size() : std::max(x.rows(), x.cols()));
     for (int k = 0; k < stored; ++k) {
-        if (is_zero(k))
+        if (is_zero(re, im, k))
             continue;
         char line[element_text_size + 40];
         int const at = index[k];

@@ -228,10 +228,16 @@ int kbhit_hook()
     return hooks.kbhit();
 }
 
-void append_call_stack(TextAppender& out)
+// The innermost frame's number, whatever count a program has left on the stack.
+static int innermost_frame()
 {
     int const live = nx_error_stack.count;
-    for (int frame = live < nx_error_stack_t::capacity ? live : nx_error_stack_t::capacity - 1; frame > 0; --frame) {
+    return live < nx_error_stack_t::capacity ? live : nx_error_stack_t::capacity - 1;
+}
+
+void append_call_stack(TextAppender& out)
+{
+    for (int frame = innermost_frame(); frame > 0; --frame) {
         std::size_t const before = out.length();
         out.text("called from ").text(nx_error_stack.name[frame]).text(" line ").decimal(nx_error_stack.line[frame]).put('\n');
         if (!out.whole()) {
@@ -423,12 +429,12 @@ M<double> warning(M<double> message)
 
 M<double> mfilename()
 {
-    int const frame = nx_error_stack.count;
+    int const frame = innermost_frame();
     return TM(frame > 0 ? nx_error_stack.name[frame] : "unknown");
 }
 
 M<double> mfileline()
 {
-    int const frame = nx_error_stack.count;
+    int const frame = innermost_frame();
     return M<double>(frame > 0 ? nx_error_stack.line[frame] : 0);
 }

@@ -114,8 +114,9 @@ void variables_scope_t::save(MObject* value, char const* name)
     if (!value || !kept || !copy) {
         platform::heap_release(kept);
         platform::heap_release(copy);
-        if (value)
-            value->setname(nullptr);
+        if (!value) // reported where it happened
+            return;
+        value->setname(nullptr);
         delete value;
         error(messages::out_of_memory);
         return;

@@ -1,0 +1,73 @@
+"""Runs every benchmark program and the peers' script several times in turn, keeps the best time of
+each row, and sets them side by side."""
+import datetime
+import json
+import pathlib
+import platform
+import subprocess
+import sys
+
+ROUNDS = 3
+UNITS = ((1, "s"), (1e-3, "ms"), (1e-6, "us"), (1e-9, "ns"))
+
+
+def run_program(program, wanted):
+    result = subprocess.run([program, "--benchmark_format=json", "--benchmark_min_time=0.2"],
+                            capture_output=True, text=True, check=True)
+    scale = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3, "s": 1}
+    for row in json.loads(result.stdout)["benchmarks"]:
+        if wanted in row["name"]:
+            yield row["name"], row["real_time"] * scale[row["time_unit"]]
+
+
+def run_peers(script, wanted):
+    arguments = [sys.executable, script] + ([wanted] if wanted else [])
+    for line in subprocess.run(arguments, capture_output=True, text=True, check=True).stdout.splitlines():
+        name, seconds = line.split("\t")
+        yield name, float(seconds)
+
+
+def shown(seconds):
+    scale, unit = next((s, u) for s, u in UNITS if seconds >= s or s == 1e-9)
+    return f"{seconds / scale:.3g} {unit}"
+
+
+def processor():
+    for line in pathlib.Path("/proc/cpuinfo").read_text().splitlines():
+        if line.startswith("model name"):
+            return line.split(":", 1)[1].strip()
+    return platform.machine()
+
+
+def main():
+    folder = pathlib.Path(sys.argv[1])
+    wanted = sys.argv[2] if len(sys.argv) > 2 else ""
+    here = pathlib.Path(__file__).parent
+    best = {}
+    for _ in range(ROUNDS):
+        for program in sorted(folder.glob("*_bench")):
+            for name, seconds in run_program(program, wanted):
+                best[name] = min(seconds, best.get(name, seconds))
+        for name, seconds in run_peers(here / "peers.py", wanted):
+            best[name] = min(seconds, best.get(name, seconds))
+    rows = {}
+    for name, seconds in best.items():
+        row, implementation = name.rsplit("/", 1)
+        rows.setdefault(row, {})[implementation] = seconds
+    lines = ["| row | arrlib | peers | arrlib / best peer |", "| --- | --- | --- | --- |"]
+    for row, times in rows.items():
+        ours = times.pop("arrlib", None)
+        if ours is None:
+            continue
+        peers = ", ".join(f"{name} {shown(seconds)}" for name, seconds in sorted(times.items(), key=lambda item: item[1]))
+        ratio = f"{ours / min(times.values()):.2f}" if times else ""
+        lines.append(f"| {row} | {shown(ours)} | {peers} | {ratio} |")
+    table = "\n".join(lines) + "\n"
+    print(table)
+    if not wanted:
+        text = ("# Performance\n\nMade by `bench/compare`: the best of several runs of every row, ours and the peers' in turn.\n"
+                f"Machine: {processor()}, {datetime.date.today()}.\n\n{table}")
+        (here.parent / "docs" / "performance.md").write_text(text)
+
+
+main()

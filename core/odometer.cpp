@@ -1,0 +1,176 @@
+#include "core/odometer.h"
+
+#include "core/access.h"
+#include "core/subscript.h"
+#include "runtime/constants.h"
+#include "runtime/errors.h"
+#include "runtime/report.h"
+
+#include <algorithm>
+
+namespace arrlib {
+
+bool is_colon(M<double> const& index)
+{
+    return index.issamename(c_pp);
+}
+
+void Subscript::note(int position)
+{
+    if (count_ == 0)
+        smallest_ = largest_ = first_ = position;
+    else
+        rising_ = rising_ && position > list_[static_cast<std::size_t>(count_) - 1];
+    smallest_ = std::min(smallest_, position);
+    largest_ = std::max(largest_, position);
+    list_[static_cast<std::size_t>(count_++)] = position;
+}
+
+bool Subscript::list_nonzeros(M<double> const& index)
+{
+    double const* const values = index.addr();
+    int const stored = index.getnnz();
+    int const* const where = index.issparse() ? Access<double>::index(index) : nullptr;
+    // A NaN counts as zero.
+    auto const is_set = [](double value) { return value != 0 && value == value; };
+    auto const set = std::count_if(values, values + stored, is_set);
+    list_ = HeapArray<int>(static_cast<std::size_t>(set));
+    if (!list_)
+        return false;
+    for (int k = 0; k < stored; ++k)
+        if (is_set(values[k]))
+            note(where ? where[k] : k);
+    return true;
+}
+
+bool Subscript::list_values(M<double> const& index)
+{
+    double const* const values = index.addr();
+    int const stored = index.getnnz();
+    list_ = HeapArray<int>(static_cast<std::size_t>(stored));
+    if (!list_)
+        return false;
+    for (int k = 0; k < stored; ++k) {
+        below_one_ = below_one_ || !(values[k] >= 1);
+        note(zero_based(values[k]));
+    }
+    return true;
+}
+
+bool Subscript::resolve(M<double> const& index, int colon_extent)
+{
+    *this = Subscript();
+    if (arrlib::is_colon(index)) {
+        colon_ = true;
+        count_ = colon_extent;
+        largest_ = colon_extent - 1;
+        return true;
+    }
+    logical_ = index.islogical();
+    if (!(logical_ ? list_nonzeros(index) : list_values(index)))
+        return false;
+    // What runs without gaps needs no list.
+    if (rising_ && largest_ - smallest_ == count_ - 1 && smallest_ >= 0 && largest_ < INT_MAX)
+        list_ = HeapArray<int>();
+    return true;
+}
+
+void Subscript::resolve_single(int position)
+{
+    *this = Subscript();
+    count_ = 1;
+    first_ = smallest_ = largest_ = position;
+    below_one_ = position < 0;
+}
+
+void Odometer::recount()
+{
+    int extents[max_dims];
+    for (int k = 0; k < positions_; ++k)
+        extents[k] = subscript_[k].count();
+    count_ = element_count(positions_, extents);
+}
+
+Dims Odometer::selected() const
+{
+    int extents[max_dims];
+    for (int k = 0; k < positions_; ++k)
+        extents[k] = subscript_[k].count();
+    return Dims(positions_, extents);
+}
+
+template <class T> bool Odometer::resolve(Mr<T> const& selection)
+{
+    M<T> const& target = selection.target();
+    positions_ = selection.count();
+    for (int k = 0; k < positions_; ++k) {
+        M<double> const& index = selection.index(k);
+        if (index.issparse() && !index.islogical() && index.getnnz() != index.size()) {
+            error("Sparse index %s out of matrix %s. Index value was 0.", OperandName(index), OperandName(target));
+            return false;
+        }
+        int const extent = positions_ == 1 ? target.size() : target.getdims()[k];
+        if (!subscript_[k].resolve(index, extent))
+            return false;
+    }
+    recount();
+    return true;
+}
+
+template <class T> bool Odometer::inside(M<T> const& target) const
+{
+    for (int k = 0; k < positions_; ++k) {
+        int const extent = positions_ == 1 ? target.size() : target.getdims()[k];
+        if (subscript_[k].smallest() < 0 || subscript_[k].largest() >= extent)
+            return false;
+    }
+    return true;
+}
+
+template <class T> bool Odometer::check(Mr<T> const& selection, int k, int position, bool growing) const
+{
+    M<T> const& target = selection.target();
+    OperandName const name(target), index(selection.index(k));
+    double const value = position == INT_MAX ? position : position + 1.0;
+    if (position < 0) {
+        error("index %s out of matrix %s. Index value was %s which is not positive.", index, name, IntegerText(value));
+        return false;
+    }
+    int const elements = target.size();
+    if (positions_ == 1 && position >= elements) {
+        if (target.vectordim() == 0) {
+            error("Index %s out of matrix %s. Index value was %s however the indexed matrix has only %s elements.", index, name, IntegerText(value),
+                  IntegerText(elements));
+            return false;
+        }
+        if (!growing) {
+            error("Index %s out of vector %s. Index value was %s however the indexed vector has only %s elements.", index, name, IntegerText(value),
+                  IntegerText(elements));
+            return false;
+        }
+    } else if (!growing && position >= target.getdims()[k]) {
+        error("Index %s out of matrix %s. Index value was %s however the indexed matrix has %s elements in this dimension.", index, name,
+              IntegerText(value), IntegerText(target.getdims()[k]));
+        return false;
+    }
+    return true;
+}
+
+template <class T> bool Odometer::check_all(Mr<T> const& selection, int k) const
+{
+    bool good = true;
+    for (int n = 0; n < subscript_[k].count(); ++n)
+        good = check(selection, k, subscript_[k][n], false) && good;
+    return good;
+}
+
+template bool Odometer::check_all(Mr<double> const&, int) const;
+template bool Odometer::check_all(Mr<M<double>> const&, int) const;
+template bool Odometer::resolve(Mr<double> const&);
+template bool Odometer::resolve(Mr<M<double>> const&);
+template bool Odometer::inside(M<double> const&) const;
+template bool Odometer::inside(M<M<double>> const&) const;
+template bool Odometer::check(Mr<double> const&, int, int, bool) const;
+template bool Odometer::check(Mr<M<double>> const&, int, int, bool) const;
+
+} // namespace arrlib

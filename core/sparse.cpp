@@ -1,0 +1,274 @@
+// The sparse members of the value: entries by their linear positions, and the column-compressed
+// arrays derived from them.
+#include "core/sparse.h"
+
+#include "core/sparse_build.h"
+#include "platform/platform.h"
+#include "runtime/errors.h"
+#include "runtime/messages.h"
+
+#include <algorithm>
+#include <climits>
+#include <type_traits>
+#include <utility>
+
+using namespace arrlib;
+
+namespace {
+
+int* take_index(int count)
+{
+    void* const block = platform::heap_allocate(static_cast<std::size_t>(count) * sizeof(int));
+    if (!block)
+        error(messages::out_of_memory);
+    return static_cast<int*>(block);
+}
+
+void widen(col_list_limits_t& limits, int row, int col)
+{
+    limits.row_min = std::min(limits.row_min, row);
+    limits.row_max = std::max(limits.row_max, row);
+    limits.col_min = std::min(limits.col_min, col);
+    limits.col_max = std::max(limits.col_max, col);
+}
+
+void scatter(double* to, double const* from, int const* index, int entries, int n)
+{
+    Storage<double>::clear(to, n);
+    if (!from)
+        return;
+    for (int k = 0; k < entries; ++k)
+        if (static_cast<unsigned>(index[k]) < static_cast<unsigned>(n))
+            to[index[k]] = from[k];
+}
+
+// Strictly rising positions and no zeros.
+bool is_normal(M<double> const& matrix)
+{
+    int const* const index = Access<double>::index(matrix);
+    double const *const re = matrix.addr(), *const im = matrix.addi();
+    for (int k = 0; k < matrix.getnnz(); ++k)
+        if ((k > 0 && index[k] <= index[k - 1]) || (re[k] == 0 && (!im || im[k] == 0)))
+            return false;
+    return true;
+}
+
+// Gives the number of entries left.
+int merge_entries(M<double>& to, M<double> const& from)
+{
+    int const* const index = Access<double>::index(from);
+    double const *const re = from.addr(), *const im = from.addi();
+    EntryWriter writer(to);
+    for (int k = 0; k < from.getnnz(); ++k)
+        writer.add(index[k], re[k], im ? im[k] : 0);
+    return writer.count();
+}
+
+} // namespace
+
+void nx_release_index(int* array)
+{
+    platform::heap_release(array);
+}
+
+template <class T> int M<T>::search(int position) const
+{
+    if (!verify_sparse("search") || !index_)
+        return -1;
+    int const* const found = std::lower_bound(index_, index_ + nnz_, position);
+    return found != index_ + nnz_ && *found == position ? static_cast<int>(found - index_) : -1;
+}
+
+template <class T> void M<T>::unsparse(int n, T* re, T* im) const
+{
+    if (!verify_sparse("unsparse"))
+        return;
+    if constexpr (std::is_same_v<T, double>) {
+        if (re)
+            scatter(re, re_, index_, nnz_, n);
+        if (im)
+            scatter(im, im_, index_, nnz_, n);
+    }
+}
+
+template <class T> void M<T>::extend_nnz(int n)
+{
+    if (!verify_sparse("extend_nnz") || n <= nnz_)
+        return;
+    if constexpr (std::is_same_v<T, double>) {
+        int const old = nnz_;
+        if (dirty() || n > capacity_) {
+            // Half as much again, so that adding entries one by one does not copy them each time.
+            int const room = std::max(n, std::min(old + old / 2, size()));
+            M made = Access<T>::sparse_with_room(isc(), Dims(ndims_, dims_), old, std::min(room, Storage<T>::largest_count) + Storage<T>::spare);
+            if (!has_storage(made))
+                return;
+            Access<T>::copy_kind(made, *this);
+            std::copy_n(index_, old, made.index_);
+            Storage<T>::copy(made.re_, re_, old);
+            if (im_)
+                Storage<T>::copy(made.im_, im_, old);
+            *this = std::move(made);
+        }
+        std::fill(index_ + old, index_ + n, 0);
+        Storage<T>::clear(re_ + old, n - old);
+        if (im_)
+            Storage<T>::clear(im_ + old, n - old);
+        nnz_ = n;
+    }
+}
+
+template <class T> int* M<T>::Jc() const
+{
+    col_list_limits_t limits;
+    return Jc(limits);
+}
+
+template <class T> int* M<T>::Jc(col_list_limits_t& limits) const
+{
+    limits = {INT_MAX, -1, INT_MAX, -1};
+    if (!verify_sparse("Jc") || !std::is_same_v<T, double>)
+        return nullptr;
+    int const columns = dims_[1];
+    int* const starts = take_index(columns + 1);
+    if (!starts)
+        return nullptr;
+    std::fill_n(starts, columns + 1, 0);
+    PositionSplit split(dims_[0]);
+    for (int k = 0; k < nnz_; ++k) {
+        split.at(index_[k]);
+        widen(limits, split.row(), split.column());
+        if (static_cast<unsigned>(split.column()) < static_cast<unsigned>(columns))
+            ++starts[split.column() + 1];
+    }
+    for (int c = 0; c < columns; ++c)
+        starts[c + 1] += starts[c];
+    return starts;
+}
+
+template <class T> int* M<T>::Ir() const
+{
+    if (!verify_sparse("Ir") || !std::is_same_v<T, double>)
+        return nullptr;
+    int* const list = take_index(std::max(nnz_, 1));
+    if (!list)
+        return nullptr;
+    PositionSplit split(dims_[0]);
+    for (int k = 0; k < nnz_; ++k) {
+        split.at(index_[k]);
+        list[k] = split.row();
+    }
+    return list;
+}
+
+template <class T> void M<T>::IrJc(int const* ir, int const* jc)
+{
+    if (!verify_sparse("IrJc") || !ir || !jc || !std::is_same_v<T, double>)
+        return;
+    unshare();
+    if (dirty())
+        return;
+    for (int c = 0; c < dims_[1]; ++c)
+        for (int k = std::max(jc[c], 0), end = std::min(jc[c + 1], nnz_); k < end; ++k)
+            index_[k] = static_cast<int>(static_cast<unsigned>(ir[k]) + static_cast<unsigned>(c) * static_cast<unsigned>(dims_[0]));
+}
+
+template <class T> void M<T>::sort()
+{
+    if constexpr (std::is_same_v<T, double>) {
+        if (!verify_sparse("sort") || std::is_sorted(index_, index_ + nnz_))
+            return;
+        HeapArray<EntryKey> keys(static_cast<std::size_t>(nnz_));
+        if (!keys)
+            return;
+        for (int k = 0; k < nnz_; ++k)
+            keys.data()[k] = entry_key(index_[k], k);
+        if (!sort_keys(keys))
+            return;
+        M made = Access<T>::sparse_with_room(isc(), Dims(ndims_, dims_), nnz_, capacity_);
+        if (!has_storage(made))
+            return;
+        Access<T>::copy_kind(made, *this);
+        for (int k = 0; k < nnz_; ++k) {
+            int const from = key_entry(keys.data()[k]);
+            made.index_[k] = key_position(keys.data()[k]);
+            made.re_[k] = re_[from];
+            if (im_)
+                made.im_[k] = im_[from];
+        }
+        *this = std::move(made);
+    } else {
+        error("sparse cell arrays not supported");
+    }
+}
+
+template <class T> void M<T>::resparse()
+{
+    if constexpr (std::is_same_v<T, double>) {
+        if (!verify_sparse("resparse") || is_normal(*this))
+            return;
+        if (!dirty()) {
+            // Entries only move to the front.
+            nnz_ = merge_entries(*this, *this);
+            return;
+        }
+        M made = sparse_with_room(isc(), Dims(ndims_, dims_), nnz_);
+        if (!has_storage(made))
+            return;
+        Access<T>::copy_kind(made, *this);
+        made.nnz_ = merge_entries(made, *this);
+        *this = std::move(made);
+    } else {
+        error("no sparse cells");
+    }
+}
+
+template <class T> int M<T>::getfull()
+{
+    if constexpr (std::is_same_v<T, double>)
+        if (issparse()) {
+            M made = full_copy(*this);
+            if (has_storage(made))
+                *this = std::move(made);
+        }
+    return 1;
+}
+
+template <class T> int M<T>::getsparse(int with_zeros)
+{
+    if constexpr (std::is_same_v<T, double>) {
+        if (issparse())
+            return 1;
+        M made = Access<T>::without_storage();
+        if (with_zeros)
+            made.deepcopy(isc(), 1, *this);
+        else
+            made = sparse_copy(*this);
+        if (has_storage(made))
+            *this = std::move(made);
+    }
+    return 1;
+}
+
+template int M<double>::search(int) const;
+template void M<double>::unsparse(int, double*, double*) const;
+template void M<double>::extend_nnz(int);
+template int* M<double>::Jc() const;
+template int* M<double>::Jc(col_list_limits_t&) const;
+template int* M<double>::Ir() const;
+template void M<double>::IrJc(int const*, int const*);
+template void M<double>::sort();
+template void M<double>::resparse();
+template int M<double>::getfull();
+template int M<double>::getsparse(int);
+template int M<M<double>>::search(int) const;
+template void M<M<double>>::unsparse(int, M<double>*, M<double>*) const;
+template void M<M<double>>::extend_nnz(int);
+template int* M<M<double>>::Jc() const;
+template int* M<M<double>>::Jc(col_list_limits_t&) const;
+template int* M<M<double>>::Ir() const;
+template void M<M<double>>::IrJc(int const*, int const*);
+template void M<M<double>>::sort();
+template void M<M<double>>::resparse();
+template int M<M<double>>::getfull();
+template int M<M<double>>::getsparse(int);

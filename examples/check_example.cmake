@@ -1,0 +1,23 @@
+# Runs an example in its own working folder and compares what it shows and the files it writes with
+# the golden files beside its source: golden.txt for the console, golden_NAME for each file NAME.
+file(REMOVE_RECURSE ${WORK})
+file(MAKE_DIRECTORY ${WORK})
+execute_process(COMMAND ${PROGRAM} ${FOLDER} WORKING_DIRECTORY ${WORK}
+  OUTPUT_VARIABLE shown ERROR_VARIABLE complaints RESULT_VARIABLE status)
+if(NOT status EQUAL 0 OR complaints)
+  message(FATAL_ERROR "ended with ${status}: ${complaints}\n${shown}")
+endif()
+file(READ ${FOLDER}/golden.txt golden)
+if(NOT shown STREQUAL golden)
+  file(WRITE ${WORK}/shown.txt "${shown}")
+  message(FATAL_ERROR "what is shown differs from ${FOLDER}/golden.txt; see ${WORK}/shown.txt")
+endif()
+file(GLOB golden_files ${FOLDER}/golden_*)
+foreach(golden_file ${golden_files})
+  get_filename_component(name ${golden_file} NAME)
+  string(REGEX REPLACE "^golden_" "" written ${name})
+  execute_process(COMMAND ${CMAKE_COMMAND} -E compare_files ${golden_file} ${WORK}/${written} RESULT_VARIABLE differs)
+  if(differs)
+    message(FATAL_ERROR "${WORK}/${written} differs from ${golden_file}")
+  endif()
+endforeach()
