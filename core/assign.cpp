@@ -65,6 +65,10 @@ template <class T> void spread(T* to, T const* from, int const* old_size, int co
 // True when the elements stay where they are: only the last dimension in use grows.
 bool keeps_places(int const* old_size, Dims const& shape)
 {
+    // A matrix that grows through one subscript becomes a vector of its elements.
+    for (int d = 0; d < max_dims; ++d)
+        if (old_size[d] > shape.size[d])
+            return true;
     int last = max_dims - 1;
     while (last > 0 && old_size[last] == shape.size[last])
         --last;

@@ -463,7 +463,7 @@ template <class T> bool extend(M<T>& target, BracketElements const& elements)
 
 template <class T> M<T>::M(Mb<T> const& bracket) : M(joined<T>(bracket.elements())) {}
 
-template <class T> M<T>& M<T>::operator=(Mb<T> const& bracket)
+template <class T> M<T>& M<T>::assign_bracket(Mb<T> const& bracket)
 {
     BracketElements const& elements = bracket.elements();
     if (elements.count() > 1 && &elements[0] == this && extend(*this, elements))
@@ -473,8 +473,8 @@ template <class T> M<T>& M<T>::operator=(Mb<T> const& bracket)
 
 template M<double>::M(Mb<double> const&);
 template M<M<double>>::M(Mb<M<double>> const&);
-template M<double>& M<double>::operator=(Mb<double> const&);
-template M<M<double>>& M<M<double>>::operator=(Mb<M<double>> const&);
+template M<double>& M<double>::assign_bracket(Mb<double> const&);
+template M<M<double>>& M<M<double>>::assign_bracket(Mb<M<double>> const&);
 
 // --- cell brackets -------------------------------------------------------------------------------
 

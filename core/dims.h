@@ -9,7 +9,11 @@ namespace arrlib {
 
 inline constexpr int max_dims = 4;
 
-// Product of the sizes; 0 when one of them is below 1, -1 when it does not fit an int.
+// Counts stay a little below the largest int, so that a count and its spare elements fit one too,
+// and a subscript clamped to the largest int is a size that nothing has.
+inline constexpr int most_elements = INT_MAX - 6;
+
+// Product of the sizes; 0 when one of them is below 1, -1 when there are too many elements.
 inline int element_count(int ndims, int const* dims)
 {
     std::int64_t count = 1;
@@ -18,7 +22,7 @@ inline int element_count(int ndims, int const* dims)
             return 0;
     for (int d = 0; d < ndims; ++d) {
         count *= dims[d];
-        if (count > INT_MAX)
+        if (count > most_elements)
             return -1;
     }
     return static_cast<int>(count);

@@ -155,8 +155,8 @@ public:
         return *this;
     }
 
-    // x = [x, ...] extends x in place when it can (core/bracket.h).
-    M& operator=(Mb<T> const& bracket);
+    // x = (BR(x), ...): extends x in place where it can. A template, so that x = {} stays clear.
+    template <class U> M& operator=(Mb<U> const& bracket) { return assign_bracket(bracket); }
 
     // Makes the matrix empty and named without looking at what it was: for memory that holds no
     // value yet.
@@ -384,6 +384,7 @@ private:
     {
     }
 
+    M& assign_bracket(Mb<T> const& bracket);
     void make(int rows, int cols, bool complex);
     void make(int complex, int sparse, int nzmax, int ndims, int const* dims);
     void adopt(arrlib::StorageBlock<T> const& block, int count)

@@ -148,7 +148,7 @@ template <class T> bool Odometer::check(Mr<T> const& selection, int k, int posit
                   IntegerText(elements));
             return false;
         }
-    } else if (!growing && position >= target.getdims()[k]) {
+    } else if (positions_ > 1 && !growing && position >= target.getdims()[k]) {
         error("Index %s out of matrix %s. Index value was %s however the indexed matrix has %s elements in this dimension.", index, name,
               IntegerText(value), IntegerText(target.getdims()[k]));
         return false;

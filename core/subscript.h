@@ -42,7 +42,7 @@ private:
 // The same list for brace access to one element.
 template <class T> class ARRLIB_API Ms {
 public:
-    Ms() { arrlib::proxy_misused("Ms called"); }
+    Ms() : selection_(misused()) {}
     Ms(int count, M<T>& target, M<double> const* i, M<double> const* j, M<double> const* k, M<double> const* l)
         : selection_(count, target, i, j, k, l)
     {
@@ -58,6 +58,8 @@ public:
     Mr<T> const& selection() const { return selection_; }
 
 private:
+    [[noreturn]] static Mr<T> misused() { arrlib::proxy_misused("Ms called"); }
+
     Mr<T> selection_;
 };
 
