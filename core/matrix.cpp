@@ -71,7 +71,7 @@ template <class T> M<T>::M(int complex, int sparse, int nzmax, int ndims, int co
 template <class T> M<T>::M(char const* name, int rows, int cols) : M(unmade{}, name)
 {
     make(rows, cols, false);
-    mark_scalar_variable();
+    flags_ |= scalar_variable_mark;
     if (name && scope_wants_named())
         register_named();
 }

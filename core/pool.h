@@ -60,7 +60,8 @@ public:
     int last_block() const { return last_block_; }
 
 private:
-    struct Chunk {
+    // Blocks of the heap may lie at 4 mod 8, and their chunks with them.
+    struct __attribute__((packed, aligned(4))) Chunk {
         Chunk* next;
     };
 

@@ -370,7 +370,7 @@ TEST(SubscriptDeathTest, ProxiesExistOnlyOverAMatrix)
 
 TEST(Subscripts, EveryAllocationMayFail)
 {
-    M<double> index = row({1, 7, 3, 12}, "k"), few = row({4, 1, 3}, "few");
+    M<double> index = row({1, 7, 3, 12}, "k"), few = row({4, 1, 3}, "few"), three(3);
     capture::with_every_allocation_refused([&] {
         M<double> x(0, 4, 4), y;
         if (x.size() == 0)
@@ -383,7 +383,7 @@ TEST(Subscripts, EveryAllocationMayFail)
         M<double> x(0, 1, 40);
         if (x.size() == 0)
             return;
-        x(index) = M<double>(3);
+        x(index) = three;
         M<double> const shared = x;
         x(index) = M<double>();
         EXPECT_EQ(shared.size(), 40);

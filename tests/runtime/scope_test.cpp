@@ -283,10 +283,12 @@ TEST_F(Scope, ScalarVariablesAreReportedToTheDebugger)
         text = TM("ab");
         M<double> assigned("assigned", 1, 1);
         assigned = M<double>(4);
+        M<double> late("late", 0, 0);
+        late = M<double>(4);
         M<double> complex("complex", 1, 1);
         complex = ::i;
     }
-    EXPECT_EQ(debugged.all(), (Texts{"assigned", "scalar"}));
+    EXPECT_EQ(debugged.all(), (Texts{"late", "assigned", "scalar"}));
     variables_scope.end();
 }
 
