@@ -192,8 +192,10 @@ template <class T> void store(M<T>& target, Subscript const& selected, M<T> cons
 
 template <class T> void M<T>::vwcopy(M const& source_given, M<double> const& i)
 {
-    // Held, so that it stays as it is, should it be the target itself.
-    M const source = source_given;
+    // Held, so that it stays as it is, should it be the target itself; its end is not that of a
+    // variable.
+    M source = source_given;
+    source.clear_scalar_variable();
     if (arrlib::is_colon(i))
         return assign_colon(*this, source);
     if (i.size() == 0)
@@ -231,17 +233,16 @@ namespace {
 // A colon over an empty target reaches as far as the source asks.
 template <class T> bool resolve_block(M<T> const& target, M<T> const& source, M<double> const& i, M<double> const& j, Subscript& rows, Subscript& cols)
 {
-    int row_extent = target.rows(), col_extent = target.cols();
-    if (target.size() == 0 && source.size() > 0) {
-        bool const i_colon = is_colon(i), j_colon = is_colon(j);
-        if (i_colon)
-            row_extent = j_colon ? source.rows() : j.size() > 0 ? source.size() / j.size() : 0;
-        if (j_colon)
-            col_extent = i_colon ? source.cols() : i.size() > 0 ? source.size() / i.size() : 0;
-        row_extent = std::max(row_extent, i_colon ? 1 : 0);
-        col_extent = std::max(col_extent, j_colon ? 1 : 0);
-    }
-    return rows.resolve(i, row_extent) && cols.resolve(j, col_extent);
+    if (!rows.resolve(i, target.rows()) || !cols.resolve(j, target.cols()))
+        return false;
+    if (target.size() > 0 || source.size() == 0)
+        return true;
+    bool const i_colon = rows.is_colon(), j_colon = cols.is_colon();
+    if (i_colon)
+        rows.resolve(i, j_colon ? source.rows() : std::max(source.size() / std::max(cols.count(), 1), 1));
+    if (j_colon)
+        cols.resolve(j, i_colon ? source.cols() : std::max(source.size() / std::max(rows.count(), 1), 1));
+    return true;
 }
 
 template <class T> void store_block(M<T>& target, Subscript const& rows, Subscript const& cols, M<T> const& source)
@@ -261,7 +262,8 @@ template <class T> void store_block(M<T>& target, Subscript const& rows, Subscri
         if (target.isc())
             for (int r = 0; r < rows.count(); ++r)
                 target.addi()[column + static_cast<std::size_t>(rows[r])] = from.im(k + r);
-        k += rows.count();
+        // One element may be asked for at more places than an int counts.
+        k += from.is_single() ? 0 : rows.count();
     }
 }
 
@@ -275,24 +277,19 @@ int grown_extent(int extent, Subscript const& subscript)
 
 template <class T> void M<T>::vwcopy(M const& source_given, M<double> const& i, M<double> const& j)
 {
-    M const source = source_given;
+    M source = source_given;
+    source.clear_scalar_variable();
     Subscript selected_rows, selected_cols;
     if (!resolve_block(*this, source, i, j, selected_rows, selected_cols))
         return;
-    OperandName const a(*this), b(source), row(i), col(j);
-    if (selected_rows.has_value_below_one()) {
-        error("%s(%s,%s)=%s: row index is non-positive", a, row, col, b);
-        return;
-    }
-    if (selected_cols.has_value_below_one()) {
-        error("%s(%s,%s)=%s: col index is non-positive", a, row, col, b);
-        return;
-    }
+    auto const refuse = [&](char const* message) { error(message, OperandName(*this), OperandName(i), OperandName(j), OperandName(source)); };
+    if (selected_rows.has_value_below_one())
+        return refuse("%s(%s,%s)=%s: row index is non-positive");
+    if (selected_cols.has_value_below_one())
+        return refuse("%s(%s,%s)=%s: col index is non-positive");
     auto const selected = static_cast<std::int64_t>(selected_rows.count()) * selected_cols.count();
-    if (source.size() != 1 && selected != source.size()) {
-        error("%s(%s,%s)=%s: size(row index)*size(col index) is different than size(source)", a, row, col, b);
-        return;
-    }
+    if (source.size() != 1 && selected != source.size())
+        return refuse("%s(%s,%s)=%s: size(row index)*size(col index) is different than size(source)");
     if (selected == 0)
         return;
     if (!match_complex(*this, source))
@@ -322,9 +319,31 @@ template <class T> Mr<T>& Mr<T>::operator=(M<T> const& source)
     return *this;
 }
 
+namespace {
+
+// True when a read yields nothing because nothing is selected, not because it failed.
+template <class T> bool selects_nothing(Mr<T> const& selection)
+{
+    M<T> const& target = selection.target();
+    for (int k = 0; k < selection.count(); ++k) {
+        Subscript subscript;
+        if (!subscript.resolve(selection.index(k), selection.count() == 1 ? target.size() : target.getdims()[k]))
+            return false;
+        if (subscript.count() == 0)
+            return true;
+    }
+    return selection.count() == 0;
+}
+
+} // namespace
+
+// What a failed read leaves must not delete elements.
 template <class T> Mr<T>& Mr<T>::operator=(Mr const& source)
 {
-    return *this = M<T>(source);
+    M<T> const value(source);
+    if (value.size() > 0 || selects_nothing(source))
+        *this = value;
+    return *this;
 }
 
 namespace {
@@ -366,7 +385,10 @@ template <class T> Sr<T>& Sr<T>::operator=(M<T> const& source)
 
 template <class T> Sr<T>& Sr<T>::operator=(Sr const& source)
 {
-    return *this = M<T>(source);
+    M<T> const value(source);
+    if (value.size() > 0 || source.count() == 0)
+        *this = value;
+    return *this;
 }
 
 template <class T> Ms<T>& Ms<T>::operator=(T const& element)
@@ -375,8 +397,11 @@ template <class T> Ms<T>& Ms<T>::operator=(T const& element)
     if (selection_.count() == 0) {
         target = M<T>(element);
     } else if (selects_one(selection_)) {
+        M<T> const one(element);
         Mr<T> place(selection_);
-        place = M<T>(element);
+        // A value whose memory was not to be had would delete the element.
+        if (one.size() == 1)
+            place = one;
     }
     return *this;
 }

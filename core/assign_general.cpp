@@ -17,19 +17,21 @@ template <class T> void stretch_colons(Odometer& odometer, Mr<T> const& selectio
 {
     if (selection.target().size() > 0 || source.size() <= 1)
         return;
-    int others = 1, colons = 0, first_colon = 0;
+    // Saturates: what is larger than any source leaves nothing for a colon.
+    std::int64_t others = 1;
+    int colons = 0, first_colon = 0;
     for (int k = 0; k < odometer.positions(); ++k) {
         if (odometer.subscript(k).is_colon()) {
             first_colon = colons++ ? first_colon : k;
         } else {
-            others *= std::max(odometer.subscript(k).count(), 1);
+            others = std::min<std::int64_t>(others * std::max(odometer.subscript(k).count(), 1), INT_MAX);
         }
     }
     if (colons == 0)
         return;
     for (int k = first_colon; k < odometer.positions(); ++k)
         if (odometer.subscript(k).is_colon())
-            odometer.subscript(k).resolve(selection.index(k), colons == 1 ? source.size() / others : source.getdims()[k]);
+            odometer.subscript(k).resolve(selection.index(k), colons == 1 ? static_cast<int>(source.size() / others) : source.getdims()[k]);
     odometer.recount();
 }
 
@@ -87,9 +89,13 @@ void store_sparse(M<double>& target, Odometer const& odometer, int const* sizes,
 template <class T> void vwcopyn_full(M<T>& target, Mr<T> const& selection, M<T> const& source_given)
 {
     M<T> source = source_given;
+    source.clear_scalar_variable();
     if constexpr (std::is_same_v<T, double>)
-        if (source.issparse() && !target.issparse())
+        if (source.issparse() && !target.issparse()) {
             source.getfull();
+            if (source.issparse())
+                return;
+        }
     Odometer odometer;
     if (!odometer.resolve(selection))
         return;

@@ -83,7 +83,7 @@ template <class T> M<T> joined_full(int dim, Parts<T> const& parts)
 M<double> joined_sparse(int dim, Parts<double> const& parts)
 {
     if (dim < 2) {
-        M<double> made = sparse_copy(parts[0]);
+        M<double> made = parts[0].issparse() ? share(parts[0]) : sparse_copy(parts[0]);
         for (int k = 1; k < parts.count && has_storage(made); ++k)
             made = sparse_joined(dim, made, parts[k]);
         return made;

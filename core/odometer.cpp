@@ -70,7 +70,7 @@ bool Subscript::resolve(M<double> const& index, int colon_extent)
     if (!(logical_ ? list_nonzeros(index) : list_values(index)))
         return false;
     // What runs without gaps needs no list.
-    if (rising_ && largest_ - smallest_ == count_ - 1 && smallest_ >= 0 && largest_ < INT_MAX)
+    if (rising_ && smallest_ >= 0 && largest_ < INT_MAX && largest_ - smallest_ == count_ - 1)
         list_ = HeapArray<int>();
     return true;
 }
@@ -130,30 +130,22 @@ template <class T> bool Odometer::inside(M<T> const& target) const
 template <class T> bool Odometer::check(Mr<T> const& selection, int k, int position, bool growing) const
 {
     M<T> const& target = selection.target();
+    int const extent = positions_ == 1 ? target.size() : target.getdims()[k];
+    bool const may_grow = growing && (positions_ > 1 || target.vectordim() != 0);
+    // Names are put together only when there is something to say.
+    if (position >= 0 && (may_grow || position < extent))
+        return true;
     OperandName const name(target), index(selection.index(k));
-    double const value = position == INT_MAX ? position : position + 1.0;
-    if (position < 0) {
-        error("index %s out of matrix %s. Index value was %s which is not positive.", index, name, IntegerText(value));
-        return false;
-    }
-    int const elements = target.size();
-    if (positions_ == 1 && position >= elements) {
-        if (target.vectordim() == 0) {
-            error("Index %s out of matrix %s. Index value was %s however the indexed matrix has only %s elements.", index, name, IntegerText(value),
-                  IntegerText(elements));
-            return false;
-        }
-        if (!growing) {
-            error("Index %s out of vector %s. Index value was %s however the indexed vector has only %s elements.", index, name, IntegerText(value),
-                  IntegerText(elements));
-            return false;
-        }
-    } else if (positions_ > 1 && !growing && position >= target.getdims()[k]) {
-        error("Index %s out of matrix %s. Index value was %s however the indexed matrix has %s elements in this dimension.", index, name,
-              IntegerText(value), IntegerText(target.getdims()[k]));
-        return false;
-    }
-    return true;
+    IntegerText const value(position == INT_MAX ? position : position + 1.0), size(extent);
+    if (position < 0)
+        error("index %s out of matrix %s. Index value was %s which is not positive.", index, name, value);
+    else if (positions_ > 1)
+        error("Index %s out of matrix %s. Index value was %s however the indexed matrix has %s elements in this dimension.", index, name, value, size);
+    else if (target.vectordim() == 0)
+        error("Index %s out of matrix %s. Index value was %s however the indexed matrix has only %s elements.", index, name, value, size);
+    else
+        error("Index %s out of vector %s. Index value was %s however the indexed vector has only %s elements.", index, name, value, size);
+    return false;
 }
 
 template <class T> bool Odometer::check_all(Mr<T> const& selection, int k) const

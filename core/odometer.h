@@ -138,7 +138,8 @@ template <class T, class Visit> bool Odometer::walk_reporting(Mr<T> const& selec
                 good = false;
                 subscript = 0;
             }
-            position = position * sizes[k] + subscript;
+            // Where an element will lie when the target has grown is not known yet.
+            position = growing ? 0 : position * sizes[k] + subscript;
         }
         visit(step, position);
         for (int k = 0; k < positions_ && ++at[k] == subscript_[k].count(); ++k)

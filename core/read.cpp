@@ -141,12 +141,19 @@ bool is_set(double value)
 }
 
 // Packs the chosen elements of one part; `to` has room for one more than are chosen.
-template <class T> void pack(T* to, T const* from, double const* chosen, int count)
+void pack(double* to, double const* from, double const* chosen, int count)
 {
     for (int k = 0; k < count; ++k) {
         *to = from[k];
         to += is_set(chosen[k]);
     }
+}
+// Cells that are not chosen would be kept alive behind the end.
+void pack(M<double>* to, M<double> const* from, double const* chosen, int count)
+{
+    for (int k = 0; k < count; ++k)
+        if (is_set(chosen[k]))
+            *to++ = from[k];
 }
 
 // A full mask no longer than the matrix, or with nothing set beyond it, needs no list of positions.
@@ -300,6 +307,8 @@ template <class T> M<T> read_general(Mr<T> const& selection)
             // Sparse values have two dimensions; what selects more is full.
             M<double> full_target = target;
             full_target.getfull();
+            if (full_target.issparse())
+                return x_M_of<T>();
             auto const index = [&selection](int k) { return k < selection.count() ? &selection.index(k) : nullptr; };
             return read_general(Mr<double>(selection.count(), full_target, index(0), index(1), index(2), index(3)));
         }

@@ -49,6 +49,12 @@ private:
     M<double> made_;
 };
 
+// What lies outside has been reported, and the first stands in for it.
+int inside(int position, int extent)
+{
+    return position >= 0 && position < extent ? position : 0;
+}
+
 // Where each source row goes: the list of selected places per row.
 struct RowMap {
     HeapArray<int> head;
@@ -63,7 +69,7 @@ struct RowMap {
         std::fill(head.begin(), head.end(), -1);
         // From the last to the first, so that each list rises.
         for (int k = rows.count() - 1; k >= 0; --k) {
-            auto const row = static_cast<std::size_t>(rows[k] >= 0 && rows[k] < source_rows ? rows[k] : 0);
+            auto const row = static_cast<std::size_t>(inside(rows[k], source_rows));
             next[static_cast<std::size_t>(k)] = head[row];
             head[row] = k;
         }
@@ -76,10 +82,25 @@ struct Hit {
     int entry;
 };
 
-int source_column(Subscript const& cols, int c, int source_cols)
+// Looks every selected element up, for selections that are small beside a column of the source.
+template <class PositionOf> M<double> read_each(M<double> const& source, int count, Dims const& shape, PositionOf&& position_of)
 {
-    int const col = cols[c];
-    return col >= 0 && col < source_cols ? col : 0;
+    Entries const from(source);
+    HeapArray<int> entries(static_cast<std::size_t>(count));
+    if (!entries)
+        return Access<double>::without_storage();
+    std::size_t room = 0;
+    for (int k = 0; k < count; ++k) {
+        int const at = position_of(k), entry = from.from(at);
+        bool const stored = entry < from.count && from.position[entry] == at;
+        entries[static_cast<std::size_t>(k)] = stored ? entry : -1;
+        room += stored;
+    }
+    Collector out(source, shape, room);
+    for (int k = 0; k < count && out.usable(); ++k)
+        if (int const entry = entries[static_cast<std::size_t>(k)]; entry >= 0)
+            out.add(from, entry, k);
+    return out.take();
 }
 
 M<double> read_columns(M<double> const& source, Subscript const& rows, Subscript const& cols, Dims const& shape)
@@ -93,7 +114,7 @@ M<double> read_columns(M<double> const& source, Subscript const& rows, Subscript
     std::size_t room = 0;
     std::size_t widest = 0;
     for (int c = 0; c < cols.count(); ++c) {
-        std::int64_t const first = static_cast<std::int64_t>(source_column(cols, c, source.cols())) * source_rows;
+        std::int64_t const first = static_cast<std::int64_t>(inside(cols[c], source.cols())) * source_rows;
         int const begin = from.from(first), end = from.from(first + source_rows);
         starts[static_cast<std::size_t>(c) * 2] = begin;
         starts[static_cast<std::size_t>(c) * 2 + 1] = end;
@@ -107,14 +128,16 @@ M<double> read_columns(M<double> const& source, Subscript const& rows, Subscript
     HeapArray<Hit> hits(widest);
     Collector out(source, shape, room);
     if (!hits || !out.usable())
-        return out.take();
+        return Access<double>::without_storage();
+    // Rows that stand in for others break the order.
+    bool const in_order = rows.is_rising() && rows.smallest() >= 0 && rows.largest() < source_rows;
     for (int c = 0; c < cols.count(); ++c) {
-        int const first = source_column(cols, c, source.cols()) * source_rows;
+        int const first = inside(cols[c], source.cols()) * source_rows;
         std::size_t found = 0;
         for (int entry = starts[static_cast<std::size_t>(c) * 2]; entry < starts[static_cast<std::size_t>(c) * 2 + 1]; ++entry)
             for (int k = map.head[static_cast<std::size_t>(from.position[entry] - first)]; k >= 0; k = map.next[static_cast<std::size_t>(k)])
                 hits[found++] = {k, entry};
-        if (!rows.is_rising())
+        if (!in_order)
             std::sort(hits.begin(), hits.begin() + found, [](Hit a, Hit b) { return a.row < b.row; });
         for (std::size_t h = 0; h < found; ++h)
             out.add(from, hits[h].entry, c * rows.count() + hits[h].row);
@@ -122,25 +145,13 @@ M<double> read_columns(M<double> const& source, Subscript const& rows, Subscript
     return out.take();
 }
 
-M<double> read_positions(M<double> const& source, Subscript const& selected, Dims const& shape)
+M<double> read_run(M<double> const& source, int first, int last, Dims const& shape)
 {
     Entries const from(source);
-    int const elements = source.size();
-    auto const room = static_cast<std::size_t>(selected.is_rising() ? std::min(selected.count(), from.count) : selected.count());
-    Collector out(source, shape, room);
-    if (!out.usable())
-        return out.take();
-    if (selected.is_run()) {
-        for (int entry = from.from(selected.first()); entry < from.count && from.position[entry] <= selected.largest(); ++entry)
-            out.add(from, entry, from.position[entry] - selected.first());
-        return out.take();
-    }
-    for (int k = 0; k < selected.count(); ++k) {
-        int const at = selected[k] >= 0 && selected[k] < elements ? selected[k] : 0;
-        int const entry = from.from(at);
-        if (entry < from.count && from.position[entry] == at)
-            out.add(from, entry, k);
-    }
+    int const begin = from.from(first), end = from.from(static_cast<std::int64_t>(last) + 1);
+    Collector out(source, shape, static_cast<std::size_t>(end - begin));
+    for (int entry = begin; entry < end && out.usable(); ++entry)
+        out.add(from, entry, from.position[entry] - first);
     return out.take();
 }
 
@@ -151,7 +162,17 @@ M<double> arrlib::read_sparse(M<double> const& source, Odometer const& odometer,
     // Sparse values have two dimensions: further subscripts can only be 1.
     if (shape.count < 1)
         return M<double>(source.isc(), 0, 0, 0);
-    if (odometer.positions() == 1)
-        return read_positions(source, odometer.subscript(0), shape);
-    return read_columns(source, odometer.subscript(0), odometer.subscript(1), shape);
+    Subscript const& rows = odometer.subscript(0);
+    int const elements = source.size();
+    if (odometer.positions() == 1) {
+        if (rows.is_run() && rows.smallest() >= 0 && rows.largest() < elements)
+            return read_run(source, rows.first(), rows.largest(), shape);
+        return read_each(source, shape.count, shape, [&rows, elements](int k) { return inside(rows[k], elements); });
+    }
+    Subscript const& cols = odometer.subscript(1);
+    if (shape.count >= source.rows() / 16)
+        return read_columns(source, rows, cols, shape);
+    return read_each(source, shape.count, shape, [&rows, &cols, &source](int k) {
+        return inside(rows[k % rows.count()], source.rows()) + inside(cols[k / rows.count()], source.cols()) * source.rows();
+    });
 }

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstring>
 #include <type_traits>
 #include <utility>
 
@@ -64,7 +65,85 @@ int merge_entries(M<double>& to, M<double> const& from)
     return writer.count();
 }
 
+// Up to this many entries a plain search is as fast as guessing.
+constexpr int few_entries = 64;
+
 } // namespace
+
+int arrlib::first_entry_from(int const* index, int count, int position)
+{
+    if (count <= few_entries || position <= index[0] || position > index[count - 1])
+        return static_cast<int>(std::lower_bound(index, index + count, position) - index);
+    double const entries_per_position = (count - 1) / (static_cast<double>(index[count - 1]) - index[0]);
+    // What is sought lies in first..last.
+    int first = 1, last = count - 1, at = 0;
+    for (int guess = 0; guess < 3; ++guess) {
+        double const distance = (static_cast<double>(position) - index[at]) * entries_per_position;
+        at = static_cast<int>(std::clamp<double>(at + distance, first, last));
+        if (index[at] < position)
+            first = at + 1;
+        else
+            last = at;
+    }
+    // From the last guess on in steps that double.
+    if (first == at + 1) {
+        for (int step = 4; first + step < last && index[first + step] < position; step *= 2)
+            first += step + 1;
+    } else {
+        for (int step = 4; last - step > first && index[last - step] >= position; step *= 2)
+            last -= step;
+    }
+    return static_cast<int>(std::lower_bound(index + first, index + last, position) - index);
+}
+
+namespace {
+
+bool holds_zero(double const* values, int count)
+{
+    // Two at a time, without stopping at the first: nearly always there is none.
+    using Pair = double __attribute__((vector_size(16)));
+    using PairTest = std::int64_t __attribute__((vector_size(16)));
+    PairTest zeros = {};
+    int k = 0;
+    for (; k + 2 <= count; k += 2) {
+        Pair pair;
+        std::memcpy(&pair, values + k, sizeof pair);
+        zeros |= pair == Pair{};
+    }
+    return zeros[0] || zeros[1] || (k < count && values[k] == 0);
+}
+
+// Whether entries may go behind one at position `before` as they are.
+bool is_rising_run(int const* index, double const* re, int count, std::int64_t before)
+{
+    int falling = index[0] <= before;
+    for (int k = 1; k < count; ++k)
+        falling |= index[k] <= index[k - 1];
+    return !falling && !holds_zero(re, count);
+}
+
+} // namespace
+
+void EntryWriter::add_run(int const* index, double const* re, double const* im, int count, int offset)
+{
+    // Short enough that what was looked at is still near when it is copied.
+    constexpr int run = 1024;
+    for (int at = 0; at < count; at += run) {
+        int const n = std::min(run, count - at);
+        bool const as_they_are = !im && !im_ && is_rising_run(index + at, re + at, n, static_cast<std::int64_t>(last_) - offset);
+        if (!as_they_are) {
+            for (int k = at; k < at + n; ++k)
+                add(index[k] + offset, re[k], im ? im[k] : 0);
+            continue;
+        }
+        int* const to = index_ + count_;
+        for (int k = 0; k < n; ++k)
+            to[k] = index[at + k] + offset;
+        Storage<double>::copy(re_ + count_, re + at, n);
+        count_ += n;
+        last_ = index_[count_ - 1];
+    }
+}
 
 void nx_release_index(int* array)
 {
@@ -75,8 +154,8 @@ template <class T> int M<T>::search(int position) const
 {
     if (!verify_sparse("search") || !index_)
         return -1;
-    int const* const found = std::lower_bound(index_, index_ + nnz_, position);
-    return found != index_ + nnz_ && *found == position ? static_cast<int>(found - index_) : -1;
+    int const found = first_entry_from(index_, nnz_, position);
+    return found < nnz_ && index_[found] == position ? found : -1;
 }
 
 template <class T> void M<T>::unsparse(int n, T* re, T* im) const

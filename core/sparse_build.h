@@ -54,6 +54,11 @@ private:
     int column_ = 0;
 };
 
+// Number of the first entry whose position is not below the one given; the positions rise. Steps by
+// the mean distance of the entries come close where these spread evenly, and binary search does the
+// rest.
+int first_entry_from(int const* index, int count, int position);
+
 // Writes entries to the front of a value's storage, in the order given: zeros are dropped, an entry
 // at the place of the one before is added to it.
 class EntryWriter {
@@ -76,6 +81,8 @@ public:
             im_[count_] = im;
         ++count_;
     }
+    // Adds `count` entries, their positions raised by `offset`; no imaginary parts if `im` is null.
+    void add_run(int const* index, double const* re, double const* im, int count, int offset);
     int count() const { return count_; }
 
 private:

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <utility>
 
 using namespace arrlib;
 
@@ -55,10 +56,8 @@ M<double> result_like(bool complex, Dims const& shape, std::int64_t room)
 
 void append_columns(EntryWriter& writer, Entries const& left, Entries const& right, int offset)
 {
-    for (int k = 0; k < left.count; ++k)
-        left.put(writer, k, left.at[k]);
-    for (int k = 0; k < right.count; ++k)
-        right.put(writer, k, right.at[k] + offset);
+    writer.add_run(left.at, left.re, left.im, left.count, 0);
+    writer.add_run(right.at, right.re, right.im, right.count, offset);
 }
 
 // Where the entries of one of two stacked values go.
@@ -128,25 +127,96 @@ M<double> arrlib::sparse_joined(int dim, M<double> const& a, M<double> const& b)
     return a.issparse() ? joined_entries(dim, a, converted) : joined_entries(dim, converted, b);
 }
 
+namespace {
+
+// Where the entries of each row start in the transposed value, found by counting; no array when the
+// entries do not rise or when there are far more rows than entries, which is left to sorting.
+class RowStarts {
+public:
+    explicit RowStarts(Entries const& entries)
+    {
+        if (entries.rows / 4 > entries.count)
+            return;
+        HeapArray<int> starts(static_cast<std::size_t>(entries.rows));
+        if (!starts || !count_entries(entries, starts.data()))
+            return;
+        int start = 0;
+        for (int& row : starts)
+            start += std::exchange(row, start);
+        starts_ = std::move(starts);
+    }
+    explicit operator bool() const { return static_cast<bool>(starts_); }
+    int next(int row) { return starts_[static_cast<std::size_t>(row)]++; }
+
+private:
+    static bool count_entries(Entries const& entries, int* counts)
+    {
+        std::fill_n(counts, entries.rows, 0);
+        PositionSplit split(entries.rows);
+        bool rising = true;
+        for (int k = 0, before = -1; k < entries.count; before = entries.at[k++]) {
+            rising &= entries.at[k] > before;
+            split.at(entries.at[k]);
+            ++counts[split.row()];
+        }
+        return rising;
+    }
+
+    HeapArray<int> starts_;
+};
+
+void transpose_by_rows(M<double>& to, Entries const& entries, RowStarts& starts)
+{
+    int* const index = Access<double>::index(to);
+    double *const re = to.addr(), *const im = to.addi();
+    int const columns = to.rows();
+    PositionSplit split(entries.rows);
+    bool zeros = false;
+    for (int k = 0; k < entries.count; ++k) {
+        split.at(entries.at[k]);
+        int const place = starts.next(split.row());
+        index[place] = split.row() * columns + split.column();
+        re[place] = entries.re[k];
+        zeros |= entries.re[k] == 0;
+        if (im)
+            im[place] = entries.im[k];
+    }
+    to.getnnz() = entries.count;
+    if (zeros)
+        to.resparse();
+}
+
+bool transpose_by_sorting(M<double>& to, Entries const& entries)
+{
+    HeapArray<EntryKey> keys(static_cast<std::size_t>(entries.count));
+    if (!keys)
+        return false;
+    PositionSplit split(entries.rows);
+    for (int k = 0; k < entries.count; ++k) {
+        split.at(entries.at[k]);
+        keys[static_cast<std::size_t>(k)] = entry_key(split.row() * to.rows() + split.column(), k);
+    }
+    if (!sort_keys(keys))
+        return false;
+    EntryWriter writer(to);
+    for (EntryKey const key : keys)
+        entries.put(writer, key_entry(key), key_position(key));
+    to.getnnz() = writer.count();
+    return true;
+}
+
+} // namespace
+
 M<double> arrlib::sparse_transposed(M<double> const& a)
 {
     Entries const entries(a);
-    Dims const shape(a.cols(), a.rows());
-    M<double> made = result_like(a.isc(), shape, entries.count);
-    HeapArray<EntryKey> keys(static_cast<std::size_t>(entries.count));
-    if (!has_storage(made) || !keys)
+    M<double> made = result_like(a.isc(), Dims(a.cols(), a.rows()), entries.count);
+    if (!has_storage(made))
+        return made;
+    if (RowStarts starts(entries); starts)
+        transpose_by_rows(made, entries, starts);
+    else if (!transpose_by_sorting(made, entries))
         return Access<double>::without_storage();
-    PositionSplit split(a);
-    for (int k = 0; k < entries.count; ++k) {
-        split.at(entries.at[k]);
-        keys[static_cast<std::size_t>(k)] = entry_key(split.row() * a.cols() + split.column(), k);
-    }
-    if (!sort_keys(keys))
-        return Access<double>::without_storage();
-    EntryWriter writer(made);
-    for (EntryKey const key : keys)
-        entries.put(writer, key_entry(key), key_position(key));
-    made.getnnz() = writer.count();
     return made;
 }
 

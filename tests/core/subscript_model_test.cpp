@@ -7,10 +7,9 @@
 #include "support/shapes.h"
 
 #include <algorithm>
-#include <cmath>
 #include <functional>
 #include <limits>
-#include <string>
+#include <utility>
 
 using shapes::Kind;
 using shapes::Model;
@@ -56,8 +55,9 @@ struct Index {
     bool broken = false; // sparse, with elements missing
     Sizes size{0, 0, 0, 0};
 
-    bool is_plain() const { return !value.issparse() && value.getndims() == 2; }
+    bool is_special() const { return value.issparse() || value.getndims() > 2; }
     bool below_one() const { return std::any_of(subscripts.begin(), subscripts.end(), [](double v) { return !(v >= 1); }); }
+    bool below_zero() const { return std::any_of(subscripts.begin(), subscripts.end(), [](double v) { return place_of(v) < 0; }); }
     Places places(int extent) const
     {
         Places list(colon ? static_cast<std::size_t>(extent) : subscripts.size());
@@ -89,15 +89,7 @@ std::int64_t selected(std::vector<Places> const& places)
 }
 template <class Of> bool any(Indices const& at, Of of)
 {
-    return std::any_of(at.begin(), at.end(), of);
-}
-std::int64_t lowest(std::vector<Places> const& places)
-{
-    std::int64_t least = 0;
-    for (Places const& list : places)
-        for (std::int64_t place : list)
-            least = std::min(least, place);
-    return least;
+    return std::any_of(at.begin(), at.end(), std::mem_fn(of));
 }
 std::int64_t reach(Places const& list)
 {
@@ -119,6 +111,15 @@ std::vector<std::size_t> enumerated(std::vector<Places> const& places, State con
     return list;
 }
 
+Model taken(State const& a, std::vector<Places> const& places, Sizes const& size)
+{
+    Model result(size);
+    std::vector<std::size_t> const from = enumerated(places, a);
+    for (std::size_t k = 0; k < result.element.size(); ++k)
+        result.element[k] = a.model.element[from[k]];
+    return result;
+}
+
 // --- reading -------------------------------------------------------------------------------------
 
 Sizes shape_of_read(State const& a, Indices const& at, std::vector<Places> const& places)
@@ -133,7 +134,7 @@ Sizes shape_of_read(State const& a, Indices const& at, std::vector<Places> const
     Sizes const& own = at[0].size;
     bool const vector = std::count_if(own.begin(), own.end(), [](int s) { return s > 1; }) <= 1;
     if (at[0].logical)
-        return row || (!column && own[0] == 1) ? Sizes{1, n, 1, 1} : Sizes{n, 1, 1, 1};
+        return row || (!column && own[0] == 1 && own[2] == 1) ? Sizes{1, n, 1, 1} : Sizes{n, 1, 1, 1};
     if (vector && (row || column))
         return row ? Sizes{1, n, 1, 1} : Sizes{n, 1, 1, 1};
     return own;
@@ -143,11 +144,11 @@ Sizes shape_of_read(State const& a, Indices const& at, std::vector<Places> const
 bool model_read(State const& a, Indices const& at, State& result)
 {
     result = {Model(), a.kind};
-    if (any(at, [](Index const& i) { return i.broken; }))
+    if (any(at, &Index::broken))
         return false;
     std::vector<Places> places = resolved(a, at);
-    bool const block = at.size() == 2 && a.is_plain() && at[0].is_plain() && at[1].is_plain();
-    bool good = !(block && any(at, [](Index const& i) { return i.below_one(); }));
+    bool const block = at.size() == 2 && a.is_plain() && !any(at, &Index::is_special);
+    bool good = !(block && any(at, &Index::below_one));
     for (std::size_t k = 0; k < places.size(); ++k)
         for (std::int64_t& place : places[k])
             if (place < 0 || place >= a.extent(k, places.size())) {
@@ -157,11 +158,8 @@ bool model_read(State const& a, Indices const& at, State& result)
     Sizes const size = normal(shape_of_read(a, at, places));
     if (a.count() == 0 || Model::count(size) == 0)
         return good;
-    result.model = Model(size);
+    result.model = taken(a, places, size);
     result.kind.sparse = a.kind.sparse && size[2] == 1 && size[3] == 1;
-    std::vector<std::size_t> const from = enumerated(places, a);
-    for (std::size_t k = 0; k < from.size(); ++k)
-        result.model.element[k] = a.model.element[from[k]];
     return good;
 }
 
@@ -174,7 +172,7 @@ bool model_erase(State& a, Indices const& at)
         a = {Model(), {false, a.kind.sparse, false, false}};
         return true;
     }
-    if (colons + 1 < static_cast<std::ptrdiff_t>(at.size()) || any(at, [](Index const& i) { return i.broken; }))
+    if (colons + 1 < static_cast<std::ptrdiff_t>(at.size()) || any(at, &Index::broken))
         return false;
     std::size_t const k = static_cast<std::size_t>(std::find_if(at.begin(), at.end(), [](Index const& i) { return !i.colon; }) - at.begin());
     int const extent = a.extent(k, at.size());
@@ -183,31 +181,17 @@ bool model_erase(State& a, Indices const& at)
         return false;
     if (gone.empty())
         return true;
-    Places kept;
-    for (int p = 0; p < extent; ++p)
-        if (std::find(gone.begin(), gone.end(), p) == gone.end())
-            kept.push_back(p);
     Sizes size = a.model.size;
-    std::vector<Places> places;
-    for (std::size_t d = 0; d < 4 && at.size() > 1; ++d) {
-        places.emplace_back();
-        for (int p = 0; p < size[d]; ++p)
-            places[d].push_back(p);
-    }
-    if (at.size() == 1) {
-        int const along = a.direction();
+    std::vector<Places> places(at.size() == 1 ? 1 : 4);
+    for (std::size_t d = 0; d < places.size(); ++d)
+        for (int p = 0; p < a.extent(d, places.size()); ++p)
+            if (d != k || std::find(gone.begin(), gone.end(), p) == gone.end())
+                places[d].push_back(p);
+    int const along = a.direction();
+    if (at.size() == 1)
         size = {1, 1, 1, 1};
-        size[static_cast<std::size_t>(along < 0 ? 1 : along)] = static_cast<int>(kept.size());
-        places = {kept};
-    } else {
-        places[k] = kept;
-        size[k] = static_cast<int>(kept.size());
-    }
-    Model smaller(size);
-    std::vector<std::size_t> const from = enumerated(places, a);
-    for (std::size_t n = 0; n < smaller.element.size(); ++n)
-        smaller.element[n] = a.model.element[from[n]];
-    a.model = smaller;
+    size[at.size() > 1 ? k : along < 0 ? 1 : static_cast<std::size_t>(along)] = static_cast<int>(places[k].size());
+    a.model = taken(a, places, size);
     return true;
 }
 
@@ -232,19 +216,6 @@ void grow(State& a, std::vector<Places> const& places)
     a.model = larger;
 }
 
-// Colons over an empty target reach as far as the source asks.
-void stretch_colons(State const& b, Indices const& at, bool plain, std::vector<Places>& places)
-{
-    std::int64_t others = 1, colons = 0;
-    for (std::size_t k = 0; k < at.size(); ++k)
-        at[k].colon ? ++colons : others *= std::max<std::int64_t>(1, static_cast<std::int64_t>(places[k].size()));
-    if (!plain && b.count() == 1)
-        return;
-    for (std::size_t k = 0; k < at.size(); ++k)
-        if (at[k].colon)
-            places[k] = at[k].places(colons > 1 ? b.model.size[k] : std::max(plain ? 1 : 0, static_cast<int>(b.count() / others)));
-}
-
 bool assign_whole(State& a, State const& b)
 {
     bool const fits = b.count() == 1 || b.count() == a.count();
@@ -260,20 +231,18 @@ bool model_assign(State& a, Indices const& at, State const& b)
 {
     if (b.count() == 0)
         return model_erase(a, at);
-    bool const plain = at.size() <= 2 && a.is_plain() && b.is_plain() && !any(at, [](Index const& i) { return !i.is_plain(); });
+    bool const plain = at.size() <= 2 && a.is_plain() && b.is_plain() && !any(at, &Index::is_special);
     bool const linear = at.size() == 1;
     if (plain && linear && at[0].colon)
         return assign_whole(a, b);
     if (plain && linear && at[0].value.size() == 0)
         return true;
     std::vector<Places> places = resolved(a, at);
-    if (a.count() == 0)
-        stretch_colons(b, at, plain, places);
     std::int64_t const count = selected(places);
     bool const fits = b.count() == 1 || b.count() == count;
-    if (plain ? any(at, [](Index const& i) { return i.below_one(); }) : any(at, [](Index const& i) { return i.broken; }))
+    if (plain ? any(at, &Index::below_one) : any(at, &Index::broken))
         return false;
-    if (!plain && (lowest(places) < 0 || (linear && a.direction() < 0 && reach(places[0]) > a.count())))
+    if (!plain && (any(at, &Index::below_zero) || (linear && a.direction() < 0 && reach(places[0]) > a.count())))
         return count == 0;
     if (!fits && (!plain || !linear || at[0].logical))
         return false;
@@ -337,17 +306,6 @@ State state_of(M<M<double>> const& value)
     return state;
 }
 
-void expect_sound(M<double> const& value)
-{
-    for (int k = 0; value.issparse() && k < value.getnnz(); ++k)
-        EXPECT_TRUE(value.addr()[k] != 0 || (value.isc() && value.addi()[k] != 0));
-    EXPECT_TRUE(value.issparse() || value.getnnz() == value.size());
-}
-void expect_sound(M<M<double>> const& value)
-{
-    EXPECT_EQ(value.getnnz(), value.size());
-}
-
 template <class T> void expect_state(M<T> const& value, State const& expected)
 {
     State const got = state_of(value);
@@ -358,12 +316,11 @@ template <class T> void expect_state(M<T> const& value, State const& expected)
     EXPECT_TRUE(empty || (got.kind.string == expected.kind.string && got.kind.logical == expected.kind.logical));
     EXPECT_GE(value.capacity(), value.getnnz());
     EXPECT_EQ(value.getname(), nullptr);
-    expect_sound(value);
-}
-
-template <class T, class... At> M<T> transposed(M<T> const& value)
-{
-    return transpose(value);
+    EXPECT_TRUE(value.issparse() || value.getnnz() == value.size());
+    if constexpr (std::is_same_v<T, double>) {
+        for (int k = 0; value.issparse() && k < value.getnnz(); ++k)
+            EXPECT_TRUE(value.addr()[k] != 0 || (value.isc() && value.addi()[k] != 0));
+    }
 }
 
 // --- the sequences ---------------------------------------------------------------------------------
@@ -383,7 +340,7 @@ public:
         if (what < 4)
             read(slot, other);
         else if (what < 11)
-            assign(slot, other);
+            assign(slot);
         else if (what < 13)
             join(slot, other);
         else if (what < 14)
@@ -394,11 +351,10 @@ public:
             renew(slot);
         for (Slot& each : slots_) {
             expect_state(each.value, each.state);
-            if (each.state.count() > 60)
+            if (each.state.count() > (each.state.model.size[0] > 80 ? 500 : 60))
                 renew(each);
         }
     }
-    std::string const& last() const { return last_; }
 
 private:
     static constexpr int slots = 4;
@@ -425,6 +381,9 @@ private:
         Sizes size{below(5), below(5), 1, 1};
         if (once_in(3))
             size[static_cast<std::size_t>(below(2))] = 1;
+        // Tall ones, of which a part is little beside a column.
+        if (once_in(20))
+            size = {100 + below(60), 1 + below(3), 1, 1};
         if (!flat && once_in(4))
             size[2 + static_cast<std::size_t>(below(2))] = 1 + below(3);
         return size;
@@ -494,82 +453,73 @@ private:
         index.value.setlogical(1);
         return index;
     }
+    Index colon()
+    {
+        Index index;
+        index.colon = true;
+        index.value.setname(c_pp);
+        return index;
+    }
+    // One for a numeric subscript, which is truncated at once.
+    Index number(int extent)
+    {
+        Index index;
+        double const value = subscript(extent);
+        index.value = M<double>(value);
+        index.subscripts = {static_cast<double>(place_of(value) + 1)};
+        index.size = {1, 1, 1, 1};
+        return index;
+    }
     Indices indices(State const& a, bool single)
     {
         std::size_t const count = once_in(5) ? 3 + (once_in(3) ? 1u : 0u) : 1 + static_cast<std::size_t>(below(2));
         Indices at;
-        last_ += "(";
         for (std::size_t k = 0; k < count; ++k) {
             int const extent = a.extent(k, count);
-            int const form = below(6);
-            if (single) {
-                Index index;
-                index.size = {1, 1, 1, 1};
-                double const value = subscript(extent);
-                // What numeric subscripts are truncated to.
-                index.subscripts = {static_cast<double>(place_of(value) + 1)};
-                index.value = M<double>(value);
-                at.push_back(index);
-            } else if (form == 0) {
-                at.emplace_back();
-                at.back().colon = true;
-                at.back().value.setname(c_pp);
-            } else {
-                at.push_back(form == 1 ? logical(extent) : numeric(extent));
-            }
-            last_ += at[k].colon ? ":" : at[k].logical ? "L" : "N";
-            last_ += at[k].value.issparse() ? "s" : "";
-            for (double v : at[k].subscripts)
-                last_ += " " + std::to_string(v);
-            last_ += k + 1 < count ? "," : ")";
+            int const form = single ? 6 : below(6);
+            at.push_back(form == 0 && a.count() > 0 ? colon() : form < 2 ? logical(extent) : form < 6 ? numeric(extent) : number(extent));
         }
         return at;
     }
 
     // --- operations ---
+    template <class Use, std::size_t... K> static void use_proxy(M<T>& value, Indices const& at, bool single, Use&& use, std::index_sequence<K...>)
+    {
+        if (single)
+            use(value(at[K].value.addr()[0]...));
+        else
+            use(value(at[K].value...));
+    }
     // Calls with the proxy that the subscripts make of a value.
     template <class Use> static void with_proxy(M<T>& value, Indices const& at, bool single, Use&& use)
     {
-        auto const number = [&at](std::size_t k) { return at[k].value.addr()[0]; };
-        if (single && at.size() == 1)
-            use(value(number(0)));
-        else if (single && at.size() == 2)
-            use(value(number(0), number(1)));
-        else if (single && at.size() == 3)
-            use(value(number(0), number(1), number(2)));
-        else if (single)
-            use(value(number(0), number(1), number(2), number(3)));
-        else if (at.size() == 1)
-            use(value(at[0].value));
+        if (at.size() == 1)
+            use_proxy(value, at, single, use, std::make_index_sequence<1>());
         else if (at.size() == 2)
-            use(value(at[0].value, at[1].value));
+            use_proxy(value, at, single, use, std::make_index_sequence<2>());
         else if (at.size() == 3)
-            use(value(at[0].value, at[1].value, at[2].value));
+            use_proxy(value, at, single, use, std::make_index_sequence<3>());
         else
-            use(value(at[0].value, at[1].value, at[2].value, at[3].value));
+            use_proxy(value, at, single, use, std::make_index_sequence<4>());
     }
-
-    void describe(char const* what, State const& a)
-    {
-        last_ = what;
-        for (int size : a.model.size)
-            last_ += " " + std::to_string(size);
-        last_ += a.kind.sparse ? " sparse" : "";
-    }
+    // The allocation to refuse, if any; without memory for cells the process ends.
+    int refused() { return std::is_same_v<T, double> && once_in(10) ? 1 + below(3) : 0; }
 
     void read(Slot& slot, Slot& other)
     {
-        describe("read", slot.state);
         bool const single = once_in(4);
         Indices const at = indices(slot.state, single);
         State expected;
         bool const good = model_read(slot.state, at, expected);
         M<T> got;
         bool returned = false;
+        capture::FailingHeap const heap(refused());
         bool const quiet = silent([&] {
             with_proxy(slot.value, at, single, [&](auto const& proxy) { got = M<T>(proxy); });
             returned = true;
         });
+        if (heap.refused())
+            return;
         EXPECT_EQ(quiet, good);
         if (!returned)
             return;
@@ -586,6 +536,7 @@ private:
     {
         if (once_in(8)) {
             source = slots_[static_cast<std::size_t>(below(slots))];
+            source.state = state_of(source.value);
             return;
         }
         Sizes size{1, 1, 1, 1};
@@ -604,27 +555,18 @@ private:
         source.state = state_of(source.value);
     }
 
-    void assign(Slot& slot, Slot& other)
+    void assign(Slot& slot)
     {
-        describe("assign", slot.state);
-        bool single = once_in(4);
-        Indices at = indices(slot.state, single);
+        bool const single = once_in(4);
+        Indices const at = indices(slot.state, single);
         Slot source;
         source_for(at, slot, source);
         // A single subscript beyond a matrix that is no vector is left to the list of cases.
-        single = single && source.state.count() < 2;
-        if (single && at.size() == 1 && slot.state.direction() < 0 && at[0].subscripts[0] > slot.state.count())
+        bool const beyond = at.size() == 1 && slot.state.direction() < 0 && reach(resolved(slot.state, at)[0]) > slot.state.count();
+        if (single && (beyond || source.state.count() > 1))
             return;
-        if (once_in(8) && once_in(2))
-            slot.value = other.value, slot.state = other.state;
-        if (!single)
-            for (Index& index : at)
-                if (!index.colon && !index.logical && index.value.size() == 1 && !index.broken)
-                    index.subscripts = {index.value.addr()[0]};
         bool const good = model_assign(slot.state, at, source.state);
-        int const refused = std::is_same_v<T, double> && once_in(10) ? 1 + below(3) : 0;
-        last_ += " = " + std::to_string(source.state.count()) + (refused ? " refused" : "");
-        capture::FailingHeap const heap(refused);
+        capture::FailingHeap const heap(refused());
         bool const quiet = silent([&] { with_proxy(slot.value, at, single, [&](auto proxy) { proxy = source.value; }); });
         // How far it has come then is its own affair, as long as the value is sound.
         if (heap.refused())
@@ -636,8 +578,6 @@ private:
 
     void join(Slot& slot, Slot& other)
     {
-        describe("join", slot.state);
-        describe((last_ + " with").c_str(), other.state);
         std::size_t const dim = once_in(2) ? 0 : 1;
         State expected;
         bool const good = model_join(dim, slot.state, other.state, false, expected);
@@ -659,7 +599,6 @@ private:
 
     void turn(Slot& slot)
     {
-        describe("turn", slot.state);
         if (!slot.state.is_flat())
             return;
         Model turned({slot.state.model.size[1], slot.state.model.size[0], slot.state.model.size[2], slot.state.model.size[3]});
@@ -670,7 +609,6 @@ private:
 
     shapes::Source& random_;
     Slot slots_[slots];
-    std::string last_;
 };
 
 template <class T> void run_sequences(int sequences, int steps)
@@ -680,19 +618,19 @@ template <class T> void run_sequences(int sequences, int steps)
         Sequence<T> sequence(source);
         for (int step = 0; step < steps; ++step) {
             sequence.step();
-            ASSERT_FALSE(testing::Test::HasFailure()) << "sequence " << k << ", step " << step << ": " << sequence.last();
+            ASSERT_FALSE(testing::Test::HasFailure()) << "sequence " << k << ", step " << step;
         }
     }
 }
 
 TEST(SubscriptModel, Numbers)
 {
-    run_sequences<double>(2000, 40);
+    run_sequences<double>(6000, 40);
 }
 
 TEST(SubscriptModel, Cells)
 {
-    run_sequences<M<double>>(500, 40);
+    run_sequences<M<double>>(1500, 40);
 }
 
 } // namespace
