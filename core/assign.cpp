@@ -348,13 +348,18 @@ template <class T> Mr<T>& Mr<T>::operator=(Mr const& source)
 
 namespace {
 
-// True when a 1x1 source could be stored at once: the place exists, and the target is its own.
+// True when a 1x1 source could be stored at once: the target is its own, and the place exists or is
+// beyond the end of a vector.
 template <class T> bool store_single(Sr<T> const& place, M<T> const& source)
 {
     M<T>& target = place.target();
     if (target.issparse() || target.dirty() || source.size() != 1 || source.issparse() || (source.isc() && !target.isc()))
         return false;
     int const count = place.count();
+    // A vector that grows by its next element is what loops do.
+    if (count == 1 && place.subscript(0) >= target.size() && target.getndims() == 2 && target.vectordim() != 0)
+        if (!enlarge(target, grown_vector(target, place.subscript(0) == INT_MAX ? INT_MAX : place.subscript(0) + 1)))
+            return true; // reported
     std::size_t position = 0;
     for (int k = count - 1; k >= 0; --k) {
         int const extent = count == 1 ? target.size() : target.getdims()[k];
@@ -379,7 +384,11 @@ template <class T> Sr<T>& Sr<T>::operator=(M<T> const& source)
     if (ARRLIB_LIKELY(store_single(*this, source)))
         return *this;
     M<double> const i(subscript_[0] + 1.0), j(subscript_[1] + 1.0), k(subscript_[2] + 1.0), l(subscript_[3] + 1.0);
-    Mr<T>(count_, *target_, &i, &j, &k, &l) = source;
+    Mr<T> const place(count_, *target_, &i, &j, &k, &l);
+    if (source.size() == 0)
+        target_->vwcopy0(place);
+    else
+        target_->vwcopyn(place, source);
     return *this;
 }
 

@@ -20,6 +20,9 @@ template <class T> Dims grown_vector(M<T> const& target, int count);
 // Stores source[k * step] (step 0: the one element for all) at each position of a sparse target of
 // its present sizes; later elements win, zeros vanish.
 bool assign_sparse(M<double>& target, int const* positions, int count, M<double> const& source);
+// The same for the elements of a sparse source in a block of rising rows and columns, in the time of
+// what is stored, not of what is selected.
+bool assign_sparse_block(M<double>& target, Subscript const& rows, Subscript const& cols, M<double> const& source);
 // Gives a sparse value larger sizes.
 bool enlarge_sparse(M<double>& target, Dims const& shape);
 

@@ -15,7 +15,7 @@ namespace {
 // A colon over a dimension that the target does not have yet reaches as far as the source asks.
 template <class T> void stretch_colons(Odometer& odometer, Mr<T> const& selection, M<T> const& source)
 {
-    if (selection.target().size() > 0 || source.size() <= 1)
+    if (selection.target().size() > 0 || source.size() < 1)
         return;
     // Saturates: what is larger than any source leaves nothing for a colon.
     std::int64_t others = 1;
@@ -31,7 +31,7 @@ template <class T> void stretch_colons(Odometer& odometer, Mr<T> const& selectio
         return;
     for (int k = first_colon; k < odometer.positions(); ++k)
         if (odometer.subscript(k).is_colon())
-            odometer.subscript(k).resolve(selection.index(k), colons == 1 ? static_cast<int>(source.size() / others) : source.getdims()[k]);
+            odometer.subscript(k).resolve(selection.index(k), colons == 1 ? std::max(static_cast<int>(source.size() / others), 1) : source.getdims()[k]);
     odometer.recount();
 }
 
@@ -79,6 +79,10 @@ template <class T> void store_selected(M<T>& target, Odometer const& odometer, i
 
 void store_sparse(M<double>& target, Odometer const& odometer, int const* sizes, M<double> const& source)
 {
+    if (source.issparse() && odometer.positions() == 2 && odometer.subscript(0).is_rising() && odometer.subscript(1).is_rising() && source.size() != 1) {
+        assign_sparse_block(target, odometer.subscript(0), odometer.subscript(1), source);
+        return;
+    }
     HeapArray<int> positions(static_cast<std::size_t>(odometer.count()));
     if (!positions)
         return;
@@ -108,6 +112,9 @@ template <class T> void vwcopyn_full(M<T>& target, Mr<T> const& selection, M<T> 
         odometer.walk_reporting(selection, target.getdims(), true, [](int, int) {});
         return;
     }
+    bool const empty_index = odometer.positions() == 1 && selection.index(0).size() == 0 && !odometer.subscript(0).is_colon();
+    if (empty_index)
+        return;
     if (source.size() != 1 && source.size() != odometer.count()) {
         OperandName const a(target), b(source), index(selection.index(0));
         error("%s(%s)=%s: size(%s) different than size(%s)", a, index, b, b, index);

@@ -151,6 +151,65 @@ bool arrlib::assign_sparse(M<double>& target, int const* positions, int count, M
     return true;
 }
 
+namespace {
+
+// True for every row, or column, that a subscript selects.
+HeapArray<char> selected_marks(Subscript const& subscript, int extent)
+{
+    HeapArray<char> marks(static_cast<std::size_t>(extent));
+    if (!marks)
+        return marks;
+    std::fill(marks.begin(), marks.end(), '\0');
+    for (int k = 0; k < subscript.count(); ++k)
+        marks[static_cast<std::size_t>(subscript[k])] = 1;
+    return marks;
+}
+
+} // namespace
+
+bool arrlib::assign_sparse_block(M<double>& target, Subscript const& rows, Subscript const& cols, M<double> const& source)
+{
+    HeapArray<char> const in_rows = selected_marks(rows, target.rows()), in_cols = selected_marks(cols, target.cols());
+    std::int64_t const room = static_cast<std::int64_t>(target.getnnz()) + source.getnnz() + 6;
+    if (!in_rows || !in_cols)
+        return false;
+    if (room > INT_MAX) {
+        error(messages::out_of_memory);
+        return false;
+    }
+    M<double> merged = Access<double>::sparse_with_room(target.isc(), Dims(target.getndims(), target.getdims()), 0, static_cast<int>(room));
+    if (merged.dirty())
+        return false;
+    Access<double>::copy_kind(merged, target);
+    Parts const old(target), given(source), to(merged);
+    int const block_rows = rows.count(), target_rows = target.rows();
+    int n = 0, k = 0;
+    auto const put = [&](Parts const& from, int entry, int position) {
+        to.re[n] = from.re[entry];
+        if (to.im)
+            to.im[n] = from.im ? from.im[entry] : 0;
+        to.position[n++] = position;
+    };
+    // The given entries rise where they go, so the two lists are merged.
+    auto const place = [&](int entry) { return rows[given.position[entry] % block_rows] + cols[given.position[entry] / block_rows] * target_rows; };
+    auto const put_given_before = [&](int position) {
+        for (; k < source.getnnz() && place(k) < position; ++k)
+            if (given.re[k] != 0 || (given.im && given.im[k] != 0))
+                put(given, k, place(k));
+    };
+    for (int entry = 0; entry < target.getnnz(); ++entry) {
+        int const at = old.position[entry];
+        if (in_rows[static_cast<std::size_t>(at % target_rows)] && in_cols[static_cast<std::size_t>(at / target_rows)])
+            continue;
+        put_given_before(at);
+        put(old, entry, at);
+    }
+    put_given_before(INT_MAX);
+    merged.getnnz() = n;
+    target = std::move(merged);
+    return true;
+}
+
 bool arrlib::enlarge_sparse(M<double>& target, Dims const& shape)
 {
     if (shape.count < 0 || shape.ndims > 2) {

@@ -108,12 +108,70 @@ template <class T> Dims shape_after_linear(M<T> const& target, int kept)
     return Dims(max_dims, dims);
 }
 
+// Deletion of single elements of a sparse value, in the time of what is stored and selected.
+M<double> without_elements(M<double> const& target, Subscript const& selected)
+{
+    HeapArray<int> gone(static_cast<std::size_t>(selected.count()));
+    if (!gone)
+        return Access<double>::without_storage();
+    for (int k = 0; k < selected.count(); ++k)
+        gone[static_cast<std::size_t>(k)] = selected[k];
+    if (!selected.is_rising())
+        std::sort(gone.begin(), gone.end());
+    int const* const end = std::unique(gone.begin(), gone.end());
+    int const left = target.size() - static_cast<int>(end - gone.begin()), stored = target.getnnz();
+    Dims const shape = shape_after_linear(target, left);
+    M<double> made = Access<double>::sparse_with_room(target.isc(), shape, 0, stored + std::min(6, INT_MAX - stored));
+    if (made.dirty())
+        return made;
+    int const* next = gone.begin();
+    int n = 0;
+    for (int k = 0; k < stored; ++k) {
+        int const at = Access<double>::index(target)[k];
+        while (next != end && *next < at)
+            ++next;
+        if (next != end && *next == at)
+            continue;
+        made.addr()[n] = target.addr()[k];
+        if (target.isc())
+            made.addi()[n] = target.addi()[k];
+        Access<double>::index(made)[n++] = at - static_cast<int>(next - gone.begin());
+    }
+    made.getnnz() = n;
+    return made;
+}
+
 template <class T> M<T> emptied(M<T> const& target)
 {
     if constexpr (std::is_same_v<T, double>)
         if (target.issparse())
             return M<T>(0, 0, 0, 0);
     return M<T>();
+}
+
+// What is left without the selected slices along dimension `at`, or, `linear`, without the selected
+// elements; without storage after a report.
+template <class T> M<T> remaining(M<T> const& target, int at, Subscript const& selected, bool linear)
+{
+    if constexpr (std::is_same_v<T, double>)
+        if (target.issparse() && linear)
+            return without_elements(target, selected);
+    int const* const dims = target.getdims();
+    Slices slices{1, linear ? target.size() : dims[at], 1};
+    Kept kept;
+    if (!kept.mark(selected, slices.count))
+        return Access<T>::without_storage();
+    if (linear)
+        return keep_full(target, slices, kept, shape_after_linear(target, kept.count));
+    slices.stride = element_count(at, dims);
+    slices.runs = element_count(max_dims - at - 1, dims + at + 1);
+    int sizes[max_dims] = {dims[0], dims[1], dims[2], dims[3]};
+    sizes[at] = kept.count;
+    Dims const shape(max_dims, sizes);
+    if constexpr (std::is_same_v<T, double>)
+        if (target.issparse())
+            return keep_sparse(target, slices, kept, shape);
+    return keep_full(target, slices, kept, shape);
 }
 
 } // namespace
@@ -130,30 +188,13 @@ template <class T> void M<T>::vwcopy0(Mr<T> const& selection)
         return;
     }
     bool const linear = selection.count() == 1;
-    int const extent = linear ? size() : dims_[at];
     Odometer odometer;
     if (!odometer.resolve(selection) || !odometer.check_all(selection, at))
         return;
     Subscript const& selected = odometer.subscript(at);
     if (selected.count() == 0)
         return;
-    Kept kept;
-    if (!kept.mark(selected, extent))
-        return;
-    Slices slices{1, extent, 1};
-    int shape[max_dims] = {dims_[0], dims_[1], dims_[2], dims_[3]};
-    if (!linear) {
-        slices.stride = element_count(at, dims_);
-        slices.runs = element_count(max_dims - at - 1, dims_ + at + 1);
-        shape[at] = kept.count;
-    }
-    Dims const kept_shape = linear ? shape_after_linear(*this, kept.count) : Dims(max_dims, shape);
-    M made = [&] {
-        if constexpr (std::is_same_v<T, double>)
-            if (issparse())
-                return keep_sparse(*this, slices, kept, kept_shape);
-        return keep_full(*this, slices, kept, kept_shape);
-    }();
+    M made = remaining(*this, at, selected, linear);
     if (made.dirty())
         return;
     Access<T>::copy_kind(made, *this);

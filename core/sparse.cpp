@@ -65,33 +65,40 @@ int merge_entries(M<double>& to, M<double> const& from)
     return writer.count();
 }
 
-// Up to this many entries a plain search is as fast as guessing.
-constexpr int few_entries = 64;
+// Entries that are looked at together, which costs little more than looking at one.
+constexpr int window = 96;
+
+int count_below(int const* index, int position)
+{
+    int below = 0;
+    for (int k = 0; k < window; ++k)
+        below += index[k] < position;
+    return below;
+}
+
+// Where a position should stand if the entries spread evenly, corrected twice by what stands there.
+int guessed_entry(int const* index, int count, int position)
+{
+    double const entries_per_position = (count - 1) / (static_cast<double>(index[count - 1]) - index[0]);
+    int guess = 0;
+    for (int step = 0; step < 3; ++step) {
+        double const next = guess + (static_cast<double>(position) - index[guess]) * entries_per_position;
+        guess = static_cast<int>(std::clamp(next, 0.0, count - 1.0));
+    }
+    return guess;
+}
 
 } // namespace
 
 int arrlib::first_entry_from(int const* index, int count, int position)
 {
-    if (count <= few_entries || position <= index[0] || position > index[count - 1])
-        return static_cast<int>(std::lower_bound(index, index + count, position) - index);
-    double const entries_per_position = (count - 1) / (static_cast<double>(index[count - 1]) - index[0]);
-    // What is sought lies in first..last.
-    int first = 1, last = count - 1, at = 0;
-    for (int guess = 0; guess < 3; ++guess) {
-        double const distance = (static_cast<double>(position) - index[at]) * entries_per_position;
-        at = static_cast<int>(std::clamp<double>(at + distance, first, last));
-        if (index[at] < position)
-            first = at + 1;
-        else
-            last = at;
-    }
-    // From the last guess on in steps that double.
-    if (first == at + 1) {
-        for (int step = 4; first + step < last && index[first + step] < position; step *= 2)
-            first += step + 1;
-    } else {
-        for (int step = 4; last - step > first && index[last - step] >= position; step *= 2)
-            last -= step;
+    int first = 0, last = count;
+    if (count > 2 * window && position > index[0] && position <= index[count - 1]) {
+        int const begin = std::clamp(guessed_entry(index, count, position) - window / 2, 0, count - window);
+        int const below = count_below(index + begin, position);
+        if (below > 0 && below < window)
+            return begin + below;
+        (below ? first : last) = below ? begin + window : begin;
     }
     return static_cast<int>(std::lower_bound(index + first, index + last, position) - index);
 }

@@ -54,9 +54,8 @@ private:
     int column_ = 0;
 };
 
-// Number of the first entry whose position is not below the one given; the positions rise. Steps by
-// the mean distance of the entries come close where these spread evenly, and binary search does the
-// rest.
+// Number of the first entry whose position is not below the one given; the positions rise. Faster
+// than binary search where they spread evenly.
 int first_entry_from(int const* index, int count, int position);
 
 // Writes entries to the front of a value's storage, in the order given: zeros are dropped, an entry

@@ -235,7 +235,7 @@ bool model_assign(State& a, Indices const& at, State const& b)
     bool const linear = at.size() == 1;
     if (plain && linear && at[0].colon)
         return assign_whole(a, b);
-    if (plain && linear && at[0].value.size() == 0)
+    if (linear && !at[0].colon && at[0].value.size() == 0)
         return true;
     std::vector<Places> places = resolved(a, at);
     std::int64_t const count = selected(places);
