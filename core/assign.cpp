@@ -403,6 +403,12 @@ template <class T> Sr<T>& Sr<T>::operator=(Sr const& source)
 template <class T> Ms<T>& Ms<T>::operator=(T const& element)
 {
     M<T>& target = selection_.target();
+    if (int const position = target.dirty() ? -1 : single_position(selection_); ARRLIB_LIKELY(position >= 0)) {
+        target.addr()[position] = element;
+        if (target.isc())
+            target.addi()[position] = T();
+        return *this;
+    }
     if (selection_.count() == 0) {
         target = M<T>(element);
     } else if (selects_one(selection_)) {

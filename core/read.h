@@ -17,6 +17,10 @@ template <class T> M<T> x_M_of();
 // "%s{%s,%s} : indexed more than one element".
 template <class T> bool selects_one(Mr<T> const& selection);
 
+// Zero-based position of the one element that one or two full numeric 1x1 indices select in a full
+// target; -1 for every other selection.
+template <class T> int single_position(Mr<T> const& selection);
+
 // The shape of A(I) with n elements selected.
 template <class T> Dims shape_of_linear_read(M<T> const& target, M<double> const& index, int n);
 
