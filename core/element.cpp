@@ -65,9 +65,8 @@ template <class T> T const& Elements<T>::readable(M<T> const& matrix, ElementPar
     if constexpr (std::is_same_v<T, double>) {
         static constexpr double zero = 0;
         if (matrix.issparse()) {
-            int const* const found = std::lower_bound(matrix.index_, matrix.index_ + matrix.nnz_, static_cast<int>(at));
-            bool const stored = parts && found != matrix.index_ + matrix.nnz_ && *found == static_cast<int>(at);
-            return stored ? parts[found - matrix.index_] : zero;
+            int const found = matrix.search(static_cast<int>(at));
+            return parts && found >= 0 ? parts[found] : zero;
         }
         if (!parts)
             return zero;

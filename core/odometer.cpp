@@ -7,6 +7,7 @@
 #include "runtime/report.h"
 
 #include <algorithm>
+#include <climits>
 
 namespace arrlib {
 
@@ -30,16 +31,31 @@ bool Subscript::list_nonzeros(M<double> const& index)
 {
     double const* const values = index.addr();
     int const stored = index.getnnz();
-    int const* const where = index.issparse() ? Access<double>::index(index) : nullptr;
     // A NaN counts as zero.
     auto const is_set = [](double value) { return value != 0 && value == value; };
-    auto const set = std::count_if(values, values + stored, is_set);
-    list_ = HeapArray<int>(static_cast<std::size_t>(set));
+    int set = 0;
+    for (int k = 0; k < stored; ++k)
+        set += is_set(values[k]);
+    list_ = HeapArray<int>(static_cast<std::size_t>(set) + 1);
     if (!list_)
         return false;
-    for (int k = 0; k < stored; ++k)
-        if (is_set(values[k]))
-            note(where ? where[k] : k);
+    if (index.issparse()) {
+        for (int k = 0; k < stored; ++k)
+            if (is_set(values[k]))
+                note(Access<double>::index(index)[k]);
+        return true;
+    }
+    // Every position is written and kept when it counts: no branch depends on the mask.
+    int* const list = list_.data();
+    for (int k = 0, at = 0; k < stored; ++k) {
+        list[at] = k;
+        at += is_set(values[k]);
+    }
+    count_ = set;
+    if (set > 0) {
+        first_ = smallest_ = list[0];
+        largest_ = list[set - 1];
+    }
     return true;
 }
 
@@ -47,13 +63,35 @@ bool Subscript::list_values(M<double> const& index)
 {
     double const* const values = index.addr();
     int const stored = index.getnnz();
+    if (stored < 1)
+        return true;
+    if (stored == 1) {
+        resolve_single(zero_based(values[0]));
+        below_one_ = !(values[0] >= 1);
+        return true;
+    }
     list_ = HeapArray<int>(static_cast<std::size_t>(stored));
     if (!list_)
         return false;
+    // Kept out of the object, which a store into the list might change for all the compiler knows.
+    int* const list = list_.data();
+    int smallest = INT_MAX, largest = INT_MIN;
+    bool rising = true, below_one = false;
+    std::int64_t before = std::int64_t{INT_MIN} - 1;
     for (int k = 0; k < stored; ++k) {
-        below_one_ = below_one_ || !(values[k] >= 1);
-        note(zero_based(values[k]));
+        int const position = zero_based(values[k]);
+        below_one |= !(values[k] >= 1);
+        rising &= position > before;
+        smallest = std::min(smallest, position);
+        largest = std::max(largest, position);
+        before = list[k] = position;
     }
+    count_ = stored;
+    first_ = list[0];
+    smallest_ = smallest;
+    largest_ = largest;
+    rising_ = rising;
+    below_one_ = below_one;
     return true;
 }
 

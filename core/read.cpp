@@ -72,26 +72,26 @@ template <class T> ARRLIB_COLD int reported_linear(M<T> const& target, M<double>
 }
 
 #if defined(__x86_64__)
-// Gathers elements four by four as long as their subscripts lie within the matrix; returns how many
-// it has done. The conversion answers the smallest integer for what does not fit, NaN included.
+// Zero-based position of a subscript, truncated; beyond every matrix when there is none such: the
+// conversion answers the smallest integer for what does not fit, NaN included.
+inline std::size_t position_of(double subscript)
+{
+    return static_cast<std::size_t>(_mm_cvttsd_si64(_mm_set_sd(subscript - 1)));
+}
+
+// Gathers elements as long as their subscripts lie within the matrix; returns how many it has done.
+// The fewer instructions stand between the loads, the more of them overlap: one conversion and one
+// comparison each is faster than several at a time and taking them apart.
 int gather_inside(double* to, double const* from, double const* values, int count, int elements)
 {
-    __m128d const one = _mm_set1_pd(1);
-    __m128i const last = _mm_set1_epi32(elements - 1);
+    auto const end = static_cast<std::size_t>(elements);
     int k = 0;
-    for (; k + 4 <= count; k += 4) {
-        __m128i const low = _mm_cvttpd_epi32(_mm_sub_pd(_mm_loadu_pd(values + k), one));
-        __m128i const high = _mm_cvttpd_epi32(_mm_sub_pd(_mm_loadu_pd(values + k + 2), one));
-        __m128i const at = _mm_unpacklo_epi64(low, high);
-        __m128i const outside = _mm_or_si128(at, _mm_sub_epi32(last, at));
-        if (ARRLIB_UNLIKELY(_mm_movemask_ps(_mm_castsi128_ps(outside))))
+    for (; k + 2 <= count; k += 2) {
+        std::size_t const first = position_of(values[k]), second = position_of(values[k + 1]);
+        if (ARRLIB_UNLIKELY(first >= end || second >= end))
             break;
-        auto const first = static_cast<std::uint64_t>(_mm_cvtsi128_si64(at));
-        auto const second = static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(at, at)));
-        to[k] = from[first & 0xffffffffu];
-        to[k + 1] = from[first >> 32];
-        to[k + 2] = from[second & 0xffffffffu];
-        to[k + 3] = from[second >> 32];
+        to[k] = from[first];
+        to[k + 1] = from[second];
     }
     return k;
 }
@@ -419,13 +419,15 @@ template <class T> M<T> arrlib::read(Sr<T> const& selection)
 
 template <> M<double>::M(Mr<double> const& selection) : M(arrlib::read(selection)) {}
 template <> M<M<double>>::M(Mr<M<double>> const& selection) : M(arrlib::read(selection)) {}
-// The commonest read of all: one element of a real full value.
+// The commonest read of all: one element of a real value.
 template <> M<double>::M(Sr<double> const& selection) : M(unmade{}, nullptr)
 {
     M const& target = selection.target();
     int const position = selection.count() > 0 ? position_of(selection) : -1;
-    if (ARRLIB_LIKELY(position >= 0 && !target.issparse() && !target.isc())) {
-        *this = M(Storage<double>::take_scalar(target.re_[position]), 1);
+    if (ARRLIB_LIKELY(position >= 0 && !target.isc())) {
+        bool const sparse = target.issparse();
+        double const element = sparse ? arrlib::Elements<double>::readable(target, ElementPart::real, static_cast<unsigned>(position)) : target.re_[position];
+        *this = M(Storage<double>::take_scalar(element), 1);
         flags_ = target.flags_ & (string_flag | logical_flag);
     } else {
         *this = arrlib::read(selection);

@@ -10,6 +10,10 @@ namespace {
 constinit HeapAllocate allocate_hook = nullptr;
 constinit HeapRelease release_hook = nullptr;
 
+// Blocks from this size on are asked for in large pages: the first write to every small page of a
+// large result would cost more than computing it.
+constexpr std::size_t large_block = std::size_t{4} << 20;
+
 } // namespace
 
 void set_heap(HeapAllocate allocate, HeapRelease release)
@@ -20,7 +24,12 @@ void set_heap(HeapAllocate allocate, HeapRelease release)
 
 void* heap_allocate(std::size_t size) noexcept
 {
-    return allocate_hook ? allocate_hook(size) : std::malloc(size);
+    if (allocate_hook)
+        return allocate_hook(size);
+    void* const block = std::malloc(size);
+    if (block && size >= large_block)
+        advise_large_pages(block, size);
+    return block;
 }
 
 void heap_release(void* block) noexcept

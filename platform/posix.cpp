@@ -104,6 +104,19 @@ void on_crash(int signal, siginfo_t* info, void* context)
 
 } // namespace
 
+void advise_large_pages([[maybe_unused]] void* block, [[maybe_unused]] std::size_t size) noexcept
+{
+#if defined(MADV_HUGEPAGE)
+    constexpr std::uintptr_t page = 4096;
+    std::uintptr_t const begin = (reinterpret_cast<std::uintptr_t>(block) + page - 1) & ~(page - 1);
+    std::uintptr_t const end = (reinterpret_cast<std::uintptr_t>(block) + size) & ~(page - 1);
+    int const before = errno;
+    if (begin < end)
+        static_cast<void>(madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE));
+    errno = before;
+#endif
+}
+
 void install_crash_reporter(CrashReporter reporter)
 {
     crash_reporter = reporter;

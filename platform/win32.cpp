@@ -92,6 +92,11 @@ LONG WINAPI on_crash(EXCEPTION_POINTERS* crash)
 
 } // namespace
 
+void advise_large_pages(void*, std::size_t) noexcept
+{
+    // Large pages are a privilege here.
+}
+
 void install_crash_reporter(CrashReporter reporter)
 {
     crash_reporter = reporter;
