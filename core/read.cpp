@@ -86,12 +86,16 @@ int gather_inside(double* to, double const* from, double const* values, int coun
 {
     auto const end = static_cast<std::size_t>(elements);
     int k = 0;
-    for (; k + 2 <= count; k += 2) {
-        std::size_t const first = position_of(values[k]), second = position_of(values[k + 1]);
-        if (ARRLIB_UNLIKELY(first >= end || second >= end))
+    for (; k + 4 <= count; k += 4) {
+        std::size_t const a = position_of(values[k]), b = position_of(values[k + 1]);
+        std::size_t const c = position_of(values[k + 2]), d = position_of(values[k + 3]);
+        if (ARRLIB_UNLIKELY(a >= end || b >= end || c >= end || d >= end))
             break;
-        to[k] = from[first];
-        to[k + 1] = from[second];
+        double const w = from[a], x = from[b], y = from[c], z = from[d];
+        to[k] = w;
+        to[k + 1] = x;
+        to[k + 2] = y;
+        to[k + 3] = z;
     }
     return k;
 }
@@ -239,14 +243,30 @@ bool within(Subscript const& subscript, int extent)
     return subscript.smallest() >= 0 && subscript.largest() < extent && !subscript.has_value_below_one();
 }
 
+// Gathers the listed elements of a column. Loads stand before stores, four at a time, since the
+// compiler cannot tell that the result is memory of its own.
+template <class T> void gather_rows(T* to, T const* column, int const* rows, int count)
+{
+    int r = 0;
+    if constexpr (std::is_same_v<T, double>)
+        for (; r + 4 <= count; r += 4) {
+            double const w = column[rows[r]], x = column[rows[r + 1]], y = column[rows[r + 2]], z = column[rows[r + 3]];
+            to[r] = w;
+            to[r + 1] = x;
+            to[r + 2] = y;
+            to[r + 3] = z;
+        }
+    for (; r < count; ++r)
+        to[r] = column[rows[r]];
+}
+
 // Gathers columns of one part. `rows` is null when they are a run from `first_row`.
 template <class T> void gather(T* to, T const* from, int source_rows, int const* rows, int first_row, int row_count, Subscript const& cols, int const* col_list)
 {
     for (int c = 0; c < cols.count(); ++c) {
         T const* const column = from + static_cast<std::ptrdiff_t>(col_list ? col_list[c] : cols[c]) * source_rows;
         if (rows)
-            for (int r = 0; r < row_count; ++r)
-                to[r] = column[rows[r]];
+            gather_rows(to, column, rows, row_count);
         else
             std::copy_n(column + first_row, row_count, to);
         to += row_count;

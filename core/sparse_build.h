@@ -56,7 +56,7 @@ private:
 
 // Number of the first entry whose position is not below the one given; the positions rise. Faster
 // than binary search where they spread evenly.
-int first_entry_from(int const* index, int count, int position);
+int first_entry_from(int const* index, int count, int position, double const* values = nullptr);
 
 // Writes entries to the front of a value's storage, in the order given: zeros are dropped, an entry
 // at the place of the one before is added to it.

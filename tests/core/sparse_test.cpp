@@ -439,4 +439,35 @@ TEST_F(Sparse, SurvivesAHeapThatFails)
     }
 }
 
+// Positions that spread unevenly lead the guesses of a search astray; what it finds must not change.
+TEST_F(Sparse, SearchFindsEveryEntryHoweverTheySpread)
+{
+    struct Spread {
+        char const* what;
+        int (*position)(int k);
+    } const spreads[] = {
+        {"even", [](int k) { return 3 * k; }},
+        {"squares", [](int k) { return k * k; }},
+        {"two clusters", [](int k) { return k < 1000 ? k : 30000000 + k; }},
+        {"one far away", [](int k) { return k < 1999 ? 2 * k : 39000000; }},
+    };
+    int const entries = 2000;
+    for (Spread const& spread : spreads) {
+        SCOPED_TRACE(spread.what);
+        M<double> s(0, entries, 40000000, 1);
+        for (int k = 0; k < entries; ++k) {
+            s.spaddr()[k] = k + 1;
+            s.getindex()[k] = spread.position(k);
+        }
+        for (int k = 0; k < entries; ++k) {
+            int const at = spread.position(k);
+            ASSERT_EQ(s.search(at), k);
+            if (k + 1 < entries && spread.position(k + 1) > at + 1) {
+                ASSERT_EQ(s.search(at + 1), -1);
+            }
+        }
+        EXPECT_EQ(s.search(39999999), -1);
+    }
+}
+
 } // namespace
