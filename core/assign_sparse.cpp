@@ -89,6 +89,20 @@ private:
     int step_;
 };
 
+// A sparse value of the target's sizes and kind with room for its entries and `more`; without
+// storage after "Out of memory!".
+M<double> room_to_merge(M<double> const& target, int more)
+{
+    std::int64_t const room = static_cast<std::int64_t>(target.getnnz()) + more + 6;
+    if (room > INT_MAX) {
+        error(messages::out_of_memory);
+        return Access<double>::without_storage();
+    }
+    M<double> merged = Access<double>::sparse_with_room(target.isc(), Dims(target.getndims(), target.getdims()), 0, static_cast<int>(room));
+    Access<double>::copy_kind(merged, target);
+    return merged;
+}
+
 // The order in which the given positions rise; of equal ones the last given comes last.
 HeapArray<int> rising_order(int const* positions, int count)
 {
@@ -114,15 +128,9 @@ bool arrlib::assign_sparse(M<double>& target, int const* positions, int count, M
     if (!order)
         return false;
     int const stored = target.getnnz();
-    std::int64_t const room = static_cast<std::int64_t>(stored) + count + 6;
-    if (room > INT_MAX) {
-        error(messages::out_of_memory);
-        return false;
-    }
-    M<double> merged = Access<double>::sparse_with_room(target.isc(), Dims(target.getndims(), target.getdims()), 0, static_cast<int>(room));
+    M<double> merged = room_to_merge(target, count);
     if (merged.dirty())
         return false;
-    Access<double>::copy_kind(merged, target);
     Parts const from(target), to(merged);
     int n = 0, old = 0;
     auto const put = [&](int position, double re, double im) {
@@ -170,17 +178,11 @@ HeapArray<char> selected_marks(Subscript const& subscript, int extent)
 bool arrlib::assign_sparse_block(M<double>& target, Subscript const& rows, Subscript const& cols, M<double> const& source)
 {
     HeapArray<char> const in_rows = selected_marks(rows, target.rows()), in_cols = selected_marks(cols, target.cols());
-    std::int64_t const room = static_cast<std::int64_t>(target.getnnz()) + source.getnnz() + 6;
     if (!in_rows || !in_cols)
         return false;
-    if (room > INT_MAX) {
-        error(messages::out_of_memory);
-        return false;
-    }
-    M<double> merged = Access<double>::sparse_with_room(target.isc(), Dims(target.getndims(), target.getdims()), 0, static_cast<int>(room));
+    M<double> merged = room_to_merge(target, source.getnnz());
     if (merged.dirty())
         return false;
-    Access<double>::copy_kind(merged, target);
     Parts const old(target), given(source), to(merged);
     int const block_rows = rows.count(), target_rows = target.rows();
     int n = 0, k = 0;
