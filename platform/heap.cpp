@@ -1,6 +1,8 @@
 // The heap door, the same on every system.
 #include "platform/platform.h"
 
+#include <atomic>
+#include <cstdint>
 #include <cstdlib>
 
 namespace arrlib::platform {
@@ -10,9 +12,63 @@ namespace {
 constinit HeapAllocate allocate_hook = nullptr;
 constinit HeapRelease release_hook = nullptr;
 
-// Blocks from this size on are asked for in large pages: the first write to every small page of a
-// large result would cost more than computing it.
-constexpr std::size_t large_block = std::size_t{4} << 20;
+// From this size on C libraries take every block from the system and give it back when it is freed:
+// writing to the fresh pages of a large result then costs more than computing it. The last few
+// freed ones are kept for the next results of about their size. The address sanitizer must see
+// every block go.
+constexpr std::size_t smallest_kept = std::size_t{32} << 20;
+constexpr std::size_t most_kept = std::size_t{256} << 20;
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool keeping = false;
+#else
+constexpr bool keeping = true;
+#endif
+
+class KeptBlocks {
+public:
+    // A block of at least `size` bytes, and not much more, or null.
+    void* take(std::size_t size)
+    {
+        for (std::atomic<void*>& slot : slots_) {
+            void* const block = slot.exchange(nullptr, std::memory_order_acquire);
+            if (!block)
+                continue;
+            std::size_t const found = heap_block_size(block);
+            total_.fetch_sub(found, std::memory_order_relaxed);
+            if (size <= found && found - size <= size / 4)
+                return block;
+            if (!keep(block, found))
+                std::free(block);
+        }
+        return nullptr;
+    }
+    // False when there is no room for it.
+    bool keep(void* block, std::size_t size)
+    {
+        if (total_.fetch_add(size, std::memory_order_relaxed) + size <= most_kept)
+            for (std::atomic<void*>& slot : slots_) {
+                void* free_slot = nullptr;
+                if (slot.compare_exchange_strong(free_slot, block, std::memory_order_release, std::memory_order_relaxed))
+                    return true;
+            }
+        total_.fetch_sub(size, std::memory_order_relaxed);
+        return false;
+    }
+    void give_back()
+    {
+        for (std::atomic<void*>& slot : slots_)
+            if (void* const block = slot.exchange(nullptr, std::memory_order_acquire)) {
+                total_.fetch_sub(heap_block_size(block), std::memory_order_relaxed);
+                std::free(block);
+            }
+    }
+
+private:
+    std::atomic<void*> slots_[4] = {};
+    std::atomic<std::size_t> total_ = 0;
+};
+
+constinit KeptBlocks kept_blocks;
 
 } // namespace
 
@@ -26,18 +82,29 @@ void* heap_allocate(std::size_t size) noexcept
 {
     if (allocate_hook)
         return allocate_hook(size);
-    void* const block = std::malloc(size);
-    if (block && size >= large_block)
-        advise_large_pages(block, size);
+    bool const large = keeping && size >= smallest_kept;
+    if (large)
+        if (void* const kept = kept_blocks.take(size))
+            return kept;
+    void* block = std::malloc(size);
+    if (!block && keeping) {
+        // What is kept is given up before a program goes without memory.
+        kept_blocks.give_back();
+        block = std::malloc(size);
+    }
     return block;
 }
 
 void heap_release(void* block) noexcept
 {
     if (release_hook)
-        release_hook(block);
-    else
-        std::free(block);
+        return release_hook(block);
+    if (keeping && block) {
+        std::size_t const size = heap_block_size(block);
+        if (size >= smallest_kept && kept_blocks.keep(block, size))
+            return;
+    }
+    std::free(block);
 }
 
 } // namespace arrlib::platform

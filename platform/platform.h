@@ -16,8 +16,8 @@ using HeapRelease = void (*)(void* block);
 void set_heap(HeapAllocate allocate, HeapRelease release);
 void* heap_allocate(std::size_t size) noexcept;
 void heap_release(void* block) noexcept;
-// Asks for large pages behind a block, where the system has them. Advice only.
-void advise_large_pages(void* block, std::size_t size) noexcept;
+// Bytes that a block of the C library's heap has room for.
+std::size_t heap_block_size(void* block) noexcept;
 
 // --- messages to the user -----------------------------------------------------------------------
 

@@ -1,6 +1,7 @@
 #include "platform/platform.h"
 
 #include <fcntl.h>
+#include <malloc.h>
 #include <poll.h>
 #include <signal.h>
 #include <sys/mman.h>
@@ -104,17 +105,9 @@ void on_crash(int signal, siginfo_t* info, void* context)
 
 } // namespace
 
-void advise_large_pages([[maybe_unused]] void* block, [[maybe_unused]] std::size_t size) noexcept
+std::size_t heap_block_size(void* block) noexcept
 {
-#if defined(MADV_HUGEPAGE)
-    constexpr std::uintptr_t page = 4096;
-    std::uintptr_t const begin = (reinterpret_cast<std::uintptr_t>(block) + page - 1) & ~(page - 1);
-    std::uintptr_t const end = (reinterpret_cast<std::uintptr_t>(block) + size) & ~(page - 1);
-    int const before = errno;
-    if (begin < end)
-        static_cast<void>(madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE));
-    errno = before;
-#endif
+    return malloc_usable_size(block);
 }
 
 void install_crash_reporter(CrashReporter reporter)

@@ -6,6 +6,8 @@
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 
+#include <malloc.h>
+
 #include <conio.h>
 #include <float.h>
 #include <xmmintrin.h>
@@ -92,9 +94,9 @@ LONG WINAPI on_crash(EXCEPTION_POINTERS* crash)
 
 } // namespace
 
-void advise_large_pages(void*, std::size_t) noexcept
+std::size_t heap_block_size(void* block) noexcept
 {
-    // Large pages are a privilege here.
+    return _msize(block);
 }
 
 void install_crash_reporter(CrashReporter reporter)
