@@ -12,8 +12,13 @@ public:
     explicit GuardedBuffer(std::size_t capacity) : fill(nullptr), array_(capacity), capacity_(capacity) { fill = array_.data(); }
     ~GuardedBuffer()
     {
-        if (fill && static_cast<std::size_t>(fill - array_.data()) > capacity_)
+        if (!fill || static_cast<std::size_t>(fill - array_.data()) <= capacity_)
+            return;
+        try {
             warning("possible memory overwrite");
+        } catch (...) {
+            // The hook has been told; an exception of its own cannot leave from here.
+        }
     }
     GuardedBuffer(GuardedBuffer const&) = delete;
     GuardedBuffer& operator=(GuardedBuffer const&) = delete;

@@ -12,6 +12,27 @@
 
 using namespace arrlib;
 
+namespace {
+
+// Where an exception cannot go on, the error that it carries is shown at least.
+void show_error_in_flight()
+{
+    if (error_in_flight())
+        error_lasterr();
+}
+
+} // namespace
+
+void* arrlib::allocate_header(std::size_t size) noexcept
+{
+    try {
+        return pool.allocate(size);
+    } catch (...) {
+        show_error_in_flight();
+        return nullptr;
+    }
+}
+
 char const* MObject::classname() const
 {
     return "MObject";
@@ -107,8 +128,8 @@ template <class T> void M<T>::destroy_named()
     try {
         if (flags_ & global_mark)
             variables_scope.save(new M(*this), getname());
-    } catch (char*) {
-        error_lasterr();
+    } catch (...) {
+        show_error_in_flight();
     }
     bool const watched_scalar = is_scalar_variable() && nnz_ == 1 && variables_watched;
     drop_storage();

@@ -18,6 +18,8 @@ template <class T> struct Elements;
 // The library's own writers, which build values field by field (core/access.h).
 template <class T> struct Access;
 enum class ElementPart : char { real = 'r', imaginary = 'i' };
+// A block of the pool, or null after a report, which never leaves as an exception.
+ARRLIB_API void* allocate_header(std::size_t size) noexcept;
 // Not zero while a debugger watches the variables (runtime/scope.h).
 ARRLIB_API extern int variables_watched;
 
@@ -166,8 +168,9 @@ public:
     void deepcopy(int complex, int sparse, M const& source);
     void deepcopy(int complex, M const& source) { deepcopy(complex, source.issparse(), source); }
 
-    // Headers come from the pool; null when it reports.
-    static void* operator new(std::size_t size) noexcept { return arrlib::pool.allocate(size); }
+    // Headers come from the pool; null after its report. A report that is thrown is shown instead: a
+    // header that is not there has to come back as null.
+    static void* operator new(std::size_t size) noexcept { return arrlib::allocate_header(size); }
     static void* operator new(std::size_t, void* place) noexcept { return place; }
     static void operator delete(void* block, std::size_t size) noexcept
     {

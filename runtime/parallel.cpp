@@ -2,6 +2,7 @@
 
 #include "platform/platform.h"
 #include "runtime/errors.h"
+#include "runtime/report.h"
 
 #include <atomic>
 #include <mutex>
@@ -23,7 +24,10 @@ void run_on_thread(M<double> (*function)())
     platform::CrashStack const stack_for_crashes;
     try {
         function();
-    } catch (char*) {
+    } catch (...) {
+        // A host may throw what it likes from its hook; only errors are known here.
+        if (!error_in_flight())
+            throw;
         error_lasterr();
     }
     running_threads.fetch_sub(1, std::memory_order_release);

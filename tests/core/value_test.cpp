@@ -361,6 +361,24 @@ TEST(ElementsDeathTest, OutsideEndTheProcess)
     nx_default_error_flags = nx_error_console | nx_error_message_box | nx_error_exit;
 }
 
+// new cannot let an exception out: the error is shown, and there is no header.
+TEST(Value, HeadersThatCannotBeHadAreNull)
+{
+    capture::Flags const flags(nx_error_throw);
+    capture::ScarcePool const scarce(0);
+    capture::FailingHeap const heap(1);
+    capture::Boxes const boxes;
+    nx_set_error_handler([](char const*) {
+        nx_set_default_error_flags(nx_error_exit, 0);
+        throw 1;
+    });
+    M<double>* const none = new M<double>(1);
+    nx_set_error_handler(nullptr);
+    EXPECT_EQ(none, nullptr);
+    ASSERT_EQ(boxes.all().size(), 1u);
+    EXPECT_EQ(boxes.all().front().substr(0, 27), "Orrery<RT>|FS:Out of memory");
+}
+
 TEST(Value, EveryAllocationMayFail)
 {
     M<double> const keep(1);
