@@ -439,19 +439,27 @@ template <class T> M<T> arrlib::read(Sr<T> const& selection)
 
 template <> M<double>::M(Mr<double> const& selection) : M(arrlib::read(selection)) {}
 template <> M<M<double>>::M(Mr<M<double>> const& selection) : M(arrlib::read(selection)) {}
-// The commonest read of all: one element of a real value.
-template <> M<double>::M(Sr<double> const& selection) : M(unmade{}, nullptr)
+namespace {
+
+// Storage with one element of a real value, the commonest read of all; none for any other selection.
+StorageBlock<double> single_element(Sr<double> const& selection)
 {
-    M const& target = selection.target();
+    M<double> const& target = selection.target();
     int const position = selection.count() > 0 ? position_of(selection) : -1;
-    if (ARRLIB_LIKELY(position >= 0 && !target.isc())) {
-        bool const sparse = target.issparse();
-        double const element = sparse ? arrlib::Elements<double>::readable(target, ElementPart::real, static_cast<unsigned>(position)) : target.re_[position];
-        *this = M(Storage<double>::take_scalar(element), 1);
-        flags_ = target.flags_ & (string_flag | logical_flag);
-    } else {
+    if (ARRLIB_UNLIKELY(position < 0 || target.isc()))
+        return {};
+    auto const at = static_cast<unsigned>(position);
+    return Storage<double>::take_scalar(target.issparse() ? Elements<double>::readable(target, ElementPart::real, at) : target.addr()[at]);
+}
+
+} // namespace
+
+template <> M<double>::M(Sr<double> const& selection) : M(single_element(selection), 1)
+{
+    if (ARRLIB_LIKELY(re_ != nullptr))
+        flags_ = selection.target().flags_ & (string_flag | logical_flag);
+    else
         *this = arrlib::read(selection);
-    }
 }
 template <> M<M<double>>::M(Sr<M<double>> const& selection) : M(arrlib::read(selection)) {}
 

@@ -109,9 +109,10 @@ int arrlib::first_entry_from(int const* index, int count, int position, double c
 
 namespace {
 
-bool holds_zero(double const* values, int count)
+// Copies values; false when one of them is zero.
+bool copy_nonzeros(double* __restrict__ to, double const* __restrict__ values, int count)
 {
-    // Two at a time, without stopping at the first: nearly always there is none.
+    // Two at a time, without stopping at the first zero: nearly always there is none.
     using Pair = double __attribute__((vector_size(16)));
     using PairTest = std::int64_t __attribute__((vector_size(16)));
     PairTest zeros = {};
@@ -119,40 +120,46 @@ bool holds_zero(double const* values, int count)
     for (; k + 2 <= count; k += 2) {
         Pair pair;
         std::memcpy(&pair, values + k, sizeof pair);
-        zeros |= pair == Pair{};
+        std::memcpy(to + k, &pair, sizeof pair);
+        zeros |= pair == 0.0;
     }
-    return zeros[0] || zeros[1] || (k < count && values[k] == 0);
+    bool zero = zeros[0] | zeros[1];
+    for (; k < count; ++k) {
+        zero |= values[k] == 0;
+        to[k] = values[k];
+    }
+    return !zero;
 }
 
-// Whether entries may go behind one at position `before` as they are.
-bool is_rising_run(int const* index, double const* re, int count, std::int64_t before)
+// Copies positions, moved by an offset; false when they do not rise from `before` on.
+bool copy_rising(int* __restrict__ to, int const* __restrict__ positions, int count, int offset, std::int64_t before)
 {
-    int falling = index[0] <= before;
-    for (int k = 1; k < count; ++k)
-        falling |= index[k] <= index[k - 1];
-    return !falling && !holds_zero(re, count);
+    int falling = positions[0] <= before;
+    to[0] = positions[0] + offset;
+    for (int k = 1; k < count; ++k) {
+        falling |= positions[k] <= positions[k - 1];
+        to[k] = positions[k] + offset;
+    }
+    return !falling;
 }
 
 } // namespace
 
 void EntryWriter::add_run(int const* index, double const* re, double const* im, int count, int offset)
 {
-    // Short enough that what was looked at is still near when it is copied.
+    // Copied for a start, and written over one by one where the run turns out not to go as it is.
     constexpr int run = 1024;
     for (int at = 0; at < count; at += run) {
         int const n = std::min(run, count - at);
-        bool const as_they_are = !im && !im_ && is_rising_run(index + at, re + at, n, static_cast<std::int64_t>(last_) - offset);
-        if (!as_they_are) {
+        bool const as_they_are = !im && !im_ && copy_rising(index_ + count_, index + at, n, offset, static_cast<std::int64_t>(last_) - offset) &&
+                                 copy_nonzeros(re_ + count_, re + at, n);
+        if (as_they_are) {
+            count_ += n;
+            last_ = index_[count_ - 1];
+        } else {
             for (int k = at; k < at + n; ++k)
                 add(index[k] + offset, re[k], im ? im[k] : 0);
-            continue;
         }
-        int* const to = index_ + count_;
-        for (int k = 0; k < n; ++k)
-            to[k] = index[at + k] + offset;
-        Storage<double>::copy(re_ + count_, re + at, n);
-        count_ += n;
-        last_ = index_[count_ - 1];
     }
 }
 

@@ -86,11 +86,11 @@ void* heap_allocate(std::size_t size) noexcept
     if (large)
         if (void* const kept = kept_blocks.take(size))
             return kept;
-    void* block = std::malloc(size);
+    void* block = heap_new_block(size);
     if (!block && keeping) {
         // What is kept is given up before a program goes without memory.
         kept_blocks.give_back();
-        block = std::malloc(size);
+        block = heap_new_block(size);
     }
     return block;
 }
