@@ -86,11 +86,11 @@ void* heap_allocate(std::size_t size) noexcept
     if (large)
         if (void* const kept = kept_blocks.take(size))
             return kept;
-    void* block = heap_new_block(size);
+    void* block = std::malloc(size);
     if (!block && keeping) {
         // What is kept is given up before a program goes without memory.
         kept_blocks.give_back();
-        block = heap_new_block(size);
+        block = std::malloc(size);
     }
     return block;
 }

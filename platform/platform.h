@@ -16,10 +16,7 @@ using HeapRelease = void (*)(void* block);
 void set_heap(HeapAllocate allocate, HeapRelease release);
 void* heap_allocate(std::size_t size) noexcept;
 void heap_release(void* block) noexcept;
-// A block of the C library's heap, for std::free. Large ones start on a cache line where the system
-// frees those like any other.
-void* heap_new_block(std::size_t size) noexcept;
-// Bytes that such a block has room for.
+// Bytes that a block of the C library's heap has room for.
 std::size_t heap_block_size(void* block) noexcept;
 
 // --- messages to the user -----------------------------------------------------------------------

@@ -105,14 +105,6 @@ void on_crash(int signal, siginfo_t* info, void* context)
 
 } // namespace
 
-void* heap_new_block(std::size_t size) noexcept
-{
-    constexpr std::size_t line = 64, large = 32768;
-    if (size < large || size > SIZE_MAX - line)
-        return std::malloc(size);
-    return std::aligned_alloc(line, (size + line - 1) / line * line);
-}
-
 std::size_t heap_block_size(void* block) noexcept
 {
     return malloc_usable_size(block);

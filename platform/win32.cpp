@@ -94,11 +94,6 @@ LONG WINAPI on_crash(EXCEPTION_POINTERS* crash)
 
 } // namespace
 
-void* heap_new_block(std::size_t size) noexcept
-{
-    return std::malloc(size);
-}
-
 std::size_t heap_block_size(void* block) noexcept
 {
     return _msize(block);
