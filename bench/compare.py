@@ -2,8 +2,10 @@
 each row, and sets them side by side."""
 import datetime
 import json
+import os
 import pathlib
 import platform
+import re
 import subprocess
 import sys
 
@@ -11,9 +13,16 @@ ROUNDS = 3
 UNITS = ((1, "s"), (1e-3, "ms"), (1e-6, "us"), (1e-9, "ns"))
 
 
-def run_program(program, wanted):
-    result = subprocess.run([program, "--benchmark_format=json", "--benchmark_min_time=0.2"],
-                            capture_output=True, text=True, check=True)
+ONE_CORE = "arrlib, one core"
+
+
+def run_program(program, wanted, only="", environment=None):
+    command = [program, "--benchmark_format=json", "--benchmark_min_time=0.2"]
+    if only or wanted:
+        command.append("--benchmark_filter=" + ".*".join(filter(None, (re.escape(wanted), only))))
+    result = subprocess.run(command, capture_output=True, text=True, check=True, env=environment)
+    if not result.stdout.strip():
+        return
     scale = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3, "s": 1}
     for row in json.loads(result.stdout)["benchmarks"]:
         if wanted in row["name"]:
@@ -48,20 +57,23 @@ def main():
         for program in sorted(folder.glob("*_bench")):
             for name, seconds in run_program(program, wanted):
                 best[name] = min(seconds, best.get(name, seconds))
+            for name, seconds in run_program(program, wanted, "/arrlib$", {**os.environ, "ARRLIB_THREADS": "1"}):
+                name = name.rsplit("/", 1)[0] + "/" + ONE_CORE
+                best[name] = min(seconds, best.get(name, seconds))
         for name, seconds in run_peers(here / "peers.py", wanted):
             best[name] = min(seconds, best.get(name, seconds))
     rows = {}
     for name, seconds in best.items():
         row, implementation = name.rsplit("/", 1)
         rows.setdefault(row, {})[implementation] = seconds
-    lines = ["| row | arrlib | peers | arrlib / best peer |", "| --- | --- | --- | --- |"]
+    lines = ["| row | arrlib | on one core | peers | arrlib / best peer | on one core |", "| --- | --- | --- | --- | --- | --- |"]
     for row, times in rows.items():
-        ours = times.pop("arrlib", None)
-        if ours is None:
+        ours, alone = times.pop("arrlib", None), times.pop(ONE_CORE, None)
+        if ours is None or alone is None:
             continue
         peers = ", ".join(f"{name} {shown(seconds)}" for name, seconds in sorted(times.items(), key=lambda item: item[1]))
-        ratio = f"{ours / min(times.values()):.2f}" if times else ""
-        lines.append(f"| {row} | {shown(ours)} | {peers} | {ratio} |")
+        ratios = [f"{time / min(times.values()):.2f}" if times else "" for time in (ours, alone)]
+        lines.append(f"| {row} | {shown(ours)} | {shown(alone)} | {peers} | {' | '.join(ratios)} |")
     table = "\n".join(lines) + "\n"
     print(table)
     if not wanted:

@@ -82,7 +82,59 @@ few = random.random(1000)
 letters = np.frombuffer(b"abcde", dtype=np.uint8)
 
 
+a, b, c = (np.asfortranarray(random.random((1000, 1000))) for _ in range(3))
+a3, b3, c3 = (m[:, 0].copy() for m in (a, b, c))
+z = a + 1j * b
+tall = np.asfortranarray(random.random((2500, 4000)))
+line = tall.ravel(order="F")
+generator = np.random.default_rng(2)
+
+
+def scalar_loop():
+    s, two, three = np.float64(0), np.float64(2), np.float64(3)
+    for k in range(10000):
+        s = s + k * two - s / three
+
+
+def often(work, times=1000):
+    def loop():
+        for _ in range(times):
+            work()
+    return best(loop) / times
+
+
+def thousand_draws():
+    for _ in range(1000):
+        random.random()
+
+
 rows = {
+    "rand 1e7": lambda: best(lambda: random.random(10000000)),
+    "randn 1e7": lambda: best(lambda: random.standard_normal(10000000)),
+    "ones 1e7": lambda: best(lambda: np.ones(10000000)),
+    "1000 times rand": lambda: best(thousand_draws),
+    "a+b, 1e6": lambda: best(lambda: a + b, 50),
+    "a.*b+c-2, 1e6": lambda: best(lambda: a * b + c - 2, 50),
+    "sin, 1e6": lambda: best(lambda: np.sin(a), 50),
+    "exp, 1e6": lambda: best(lambda: np.exp(a), 50),
+    "log, 1e6": lambda: best(lambda: np.log(a), 50),
+    "pow(a,2.5), 1e6": lambda: best(lambda: np.power(a, 2.5), 20),
+    "atan2, 1e6": lambda: best(lambda: np.arctan2(a, b), 20),
+    "a+b, 1e3": lambda: often(lambda: a3 + b3),
+    "a.*b+c-2, 1e3": lambda: often(lambda: a3 * b3 + c3 - 2),
+    "sin, 1e3": lambda: often(lambda: np.sin(a3)),
+    "exp, 1e3": lambda: often(lambda: np.exp(a3)),
+    "log, 1e3": lambda: often(lambda: np.log(a3)),
+    "cumsum, 1e6": lambda: best(lambda: np.cumsum(a, axis=0), 20),
+    "cumsum of a vector, 1e6": lambda: best(lambda: np.cumsum(a.ravel(order="F")), 20),
+    "a*b, 1000x1000": lambda: best(lambda: a @ b),
+    "exp of complex, 1e6": lambda: best(lambda: np.exp(z)),
+    "z.*z, complex 1e6": lambda: best(lambda: z * z, 20),
+    "sum along columns, 1e7": lambda: best(lambda: tall.sum(axis=0), 10),
+    "sum along rows, 1e7": lambda: best(lambda: tall.sum(axis=1), 10),
+    "index of the largest, 1e7": lambda: best(lambda: line.argmax(), 10),
+    "median of columns, 1e7": lambda: best(lambda: np.median(tall, axis=0), 2),
+    "1e6 times s=s+k*two-s/three, 1x1": lambda: best(scalar_loop) * 100,
     "A(I), 1e6 of 1e6": lambda: best(lambda: flat[gather_index]),
     "A(I,J), 1000x1000 of 2000x2000": lambda: best(lambda: large[np.ix_(block_index, block_index)]),
     "A(a:b,c:d), 1000x1000 of 2000x2000": lambda: best(lambda: large[500:1500, 500:1500].copy(order="F")),

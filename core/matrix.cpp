@@ -47,6 +47,17 @@ template <class T> char const* M<T>::classname() const
 
 template <class T> M<T>::M(global_M_t tag) : MObject(tag) {}
 
+template <> void M<double>::make_number(double const& value)
+{
+    StorageBlock<double> const block = Storage<double>::take_scalar(value);
+    int const one = block.re ? 1 : 0;
+    flags_ = 0;
+    ndims_ = 2;
+    dims_[0] = dims_[1] = dims_[2] = dims_[3] = one;
+    adopt(block, one);
+    mark_scalar_variable();
+}
+
 template <class T> void M<T>::make(int rows, int cols, bool complex)
 {
     int const dims[] = {rows, cols};

@@ -7,6 +7,7 @@
 #include "core/storage.h"
 
 #include <cstddef>
+#include <type_traits>
 
 // The smallest and largest zero-based row and column among stored entries.
 struct col_list_limits_t {
@@ -18,6 +19,7 @@ template <class T> struct Elements;
 // The library's own writers, which build values field by field (core/access.h).
 template <class T> struct Access;
 enum class ElementPart : char { real = 'r', imaginary = 'i' };
+struct in_its_storage {};
 // A block of the pool, or null after a report, which never leaves as an exception.
 ARRLIB_API void* allocate_header(std::size_t size) noexcept;
 // Not zero while a debugger watches the variables (runtime/scope.h).
@@ -124,6 +126,8 @@ public:
     {
         other.forget_storage();
     }
+    // A number in the storage of another one, which nobody else holds and which is empty afterwards.
+    M(M& number, T const& value, arrlib::in_its_storage);
     M(Mr<T> const& selection);
     M(Sr<T> const& selection);
     M(Mb<T> const& bracket);
@@ -149,7 +153,12 @@ public:
     }
     M& operator=(M&& other) noexcept
     {
-        if (ARRLIB_LIKELY(this != &other)) {
+        // A number into a place that holds one, and has as much room: copying fields that have just been
+        // written one by one would wait for each of them.
+        if (std::is_same_v<T, double> && is_number() && other.is_number() && other.capacity_ <= capacity_ && !dirty()) {
+            re_[0] = other.re_[0];
+            flags_ = assigned_flags(other);
+        } else if (ARRLIB_LIKELY(this != &other)) {
             StorageRef const old(*this);
             copy_fields(other);
             other.forget_storage();
@@ -389,6 +398,8 @@ private:
 
     M& assign_bracket(Mb<T> const& bracket);
     void make(int rows, int cols, bool complex);
+    // A real value of one element, through the slower half of the pool.
+    ARRLIB_COLD void make_number(T const& value);
     void make(int complex, int sparse, int nzmax, int ndims, int const* dims);
     void adopt(arrlib::StorageBlock<T> const& block, int count)
     {
@@ -419,11 +430,16 @@ private:
         if (nnz_ == 1 && !issparse())
             flags_ |= scalar_variable_mark;
     }
-    void copy_fields(M const& other)
+    // A real full value of one element.
+    bool is_number() const { return nnz_ == 1 && !im_ && !issparse(); }
+    unsigned assigned_flags(M const& other) const
     {
         unsigned const both = flags_ & other.flags_ & scalar_variable_mark;
-        bool const still_scalar = other.nnz_ == 1 && !other.im_ && !other.issparse();
-        flags_ = (flags_ & kept_marks) | (other.flags_ & value_flags) | (still_scalar ? both : 0u);
+        return (flags_ & kept_marks) | (other.flags_ & value_flags) | (other.is_number() ? both : 0u);
+    }
+    void copy_fields(M const& other)
+    {
+        flags_ = assigned_flags(other);
         ndims_ = other.ndims_;
         for (int d = 0; d < 4; ++d)
             dims_[d] = other.dims_[d];
@@ -470,9 +486,34 @@ private:
     int* index_;
 };
 
-template <> inline M<double>::M(double const& value) : M(arrlib::Storage<double>::take_scalar(value), 1)
+template <> ARRLIB_API void M<double>::make_number(double const& value);
+
+template <> inline M<double>::M(double const& value) : MObject(nullptr), im_(nullptr), index_(nullptr)
 {
-    mark_scalar_variable();
+    using Storage = arrlib::Storage<double>;
+    void* const chunk = arrlib::pool.take_chunk();
+    if (ARRLIB_UNLIKELY(!chunk)) {
+        make_number(value);
+        return;
+    }
+    // All constants: the compiler writes the fields in a few pieces.
+    flags_ = scalar_variable_mark;
+    ndims_ = 2;
+    dims_[0] = dims_[1] = dims_[2] = dims_[3] = 1;
+    capacity_ = Storage::scalar_capacity;
+    nnz_ = 1;
+    arrlib::StorageBlock<double> const block = Storage::lay_out(chunk, Storage::scalar_bytes, Storage::scalar_capacity, false);
+    shared_ = block.record;
+    re_ = block.re;
+    re_[0] = value;
+}
+
+template <> inline M<double>::M(M& number, double const& value, arrlib::in_its_storage)
+    : MObject(nullptr), flags_(scalar_variable_mark), ndims_(2), dims_{1, 1, 1, 1}, capacity_(number.capacity_), shared_(number.shared_), re_(number.re_),
+      im_(nullptr), nnz_(1), index_(nullptr)
+{
+    re_[0] = value;
+    number.forget_storage();
 }
 
 template <> ARRLIB_API M<M<double>>::M(M<double> const& value);

@@ -88,6 +88,7 @@ void* Pool::allocate_slow(std::size_t size)
         ASAN_UNPOISON_MEMORY_REGION(start, size + sizeof alignment_mark);
         std::memcpy(start, alignment_mark, sizeof alignment_mark);
         moved_blocks_ = true;
+        set_threaded(__atomic_load_n(&threaded_, __ATOMIC_RELAXED));
         return static_cast<char*>(start) + sizeof alignment_mark;
     }
     ASAN_UNPOISON_MEMORY_REGION(start, size);
@@ -111,6 +112,12 @@ void Pool::release_slow(void* block, std::size_t size) noexcept
     ASAN_POISON_MEMORY_REGION(chunk, chunk_size);
     if (--outstanding_ == 0)
         give_back_blocks();
+}
+
+void Pool::set_threaded(bool on)
+{
+    __atomic_store_n(&threaded_, on, __ATOMIC_RELAXED);
+    __atomic_store_n(&plain_, on || moved_blocks_ ? 0 : 1, __ATOMIC_RELEASE);
 }
 
 void Pool::give_back_blocks()

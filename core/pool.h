@@ -28,22 +28,31 @@ public:
     // and the error function returned.
     void* allocate(std::size_t size)
     {
+        if (ARRLIB_LIKELY(size <= largest_small))
+            if (void* const chunk = take_chunk(); ARRLIB_LIKELY(chunk != nullptr))
+                return chunk;
+        return allocate_slow(size);
+    }
+
+    // The quick half of allocate for small blocks: null where the other half is needed.
+    void* take_chunk()
+    {
 #if !defined(ARRLIB_POOL_CHECKED)
-        if (ARRLIB_LIKELY(size <= largest_small && !multi_threaded() && free_ && !moved_blocks_)) {
+        if (ARRLIB_LIKELY(is_plain() && free_)) {
             Chunk* const chunk = free_;
             free_ = chunk->next;
             ++outstanding_;
             return chunk;
         }
 #endif
-        return allocate_slow(size);
+        return nullptr;
     }
 
     // Gives back a block taken with the same size.
     void release(void* block, std::size_t size) noexcept
     {
 #if !defined(ARRLIB_POOL_CHECKED)
-        if (ARRLIB_LIKELY(size <= largest_small && !multi_threaded() && outstanding_ > 1 && !moved_blocks_)) {
+        if (ARRLIB_LIKELY(size <= largest_small && is_plain() && outstanding_ > 1)) {
             Chunk* const chunk = static_cast<Chunk*>(block);
             chunk->next = free_;
             free_ = chunk;
@@ -53,6 +62,9 @@ public:
 #endif
         release_slow(block, size);
     }
+
+    // Called when the multi-thread switch changes.
+    void set_threaded(bool on);
 
     // Small chunks handed out and not yet released.
     std::int64_t outstanding() const { return outstanding_; }
@@ -65,6 +77,8 @@ private:
         Chunk* next;
     };
 
+    // Chunks may be popped and pushed without a lock and without a look at how they lie.
+    bool is_plain() const { return load_shared(plain_) != 0; }
     ARRLIB_API void* allocate_slow(std::size_t size);
     ARRLIB_API void release_slow(void* block, std::size_t size) noexcept;
     char const* add_block();
@@ -73,6 +87,8 @@ private:
     Chunk* free_ = nullptr;
     std::int64_t outstanding_ = 0;
     int last_block_ = -1;
+    int plain_ = 1;
+    bool threaded_ = false;
     // The heap has answered an address that had to be moved by four bytes at least once: only then
     // can a released block carry the mark.
     bool moved_blocks_ = false;

@@ -5,8 +5,10 @@
 #include "runtime/constants.h"
 #include "runtime/errors.h"
 #include "runtime/report.h"
+#include "runtime/workers.h"
 
 #include <algorithm>
+#include <atomic>
 #include <type_traits>
 
 #if defined(__x86_64__)
@@ -45,6 +47,9 @@ bool is_plain(M<M<double>> const& matrix)
 {
     return matrix.getndims() == 2;
 }
+
+// Fewer elements than this are not worth another thread.
+constexpr int least_per_thread = 32768;
 
 template <class T> M<T> like(M<T> const& source, Dims const& shape)
 {
@@ -99,6 +104,22 @@ int gather_inside(double* to, double const* from, double const* values, int coun
     }
     return k;
 }
+
+// Gathers on all threads; false when some subscript lies outside the matrix.
+bool gather_all_inside(double* to, double const* from, double const* values, int count, int elements)
+{
+    std::atomic<bool> outside{false};
+    parallel_for(count, least_per_thread, [&](std::ptrdiff_t begin, std::ptrdiff_t end) {
+        std::ptrdiff_t k = begin + gather_inside(to + begin, from, values + begin, static_cast<int>(end - begin), elements);
+        for (; k < end; ++k) {
+            std::size_t const at = position_of(values[k]);
+            if (at >= static_cast<std::size_t>(elements))
+                return outside.store(true, std::memory_order_relaxed);
+            to[k] = from[at];
+        }
+    });
+    return !outside.load();
+}
 #endif
 
 // Gathers one part, reporting each subscript outside the matrix if asked.
@@ -107,6 +128,11 @@ template <class T> bool gather_values(T* to, T const* from, M<T> const& target, 
     int const elements = target.size();
     double const* const values = index.addr();
     int const n = index.size();
+#if defined(__x86_64__)
+    if constexpr (std::is_same_v<T, double>)
+        if (n >= 2 * least_per_thread && gather_all_inside(to, from, values, n, elements))
+            return true;
+#endif
     int k = 0;
     while (k < n) {
 #if defined(__x86_64__)
@@ -263,14 +289,22 @@ template <class T> void gather_rows(T* to, T const* column, int const* rows, int
 // Gathers columns of one part. `rows` is null when they are a run from `first_row`.
 template <class T> void gather(T* to, T const* from, int source_rows, int const* rows, int first_row, int row_count, Subscript const& cols, int const* col_list)
 {
-    for (int c = 0; c < cols.count(); ++c) {
-        T const* const column = from + static_cast<std::ptrdiff_t>(col_list ? col_list[c] : cols[c]) * source_rows;
-        if (rows)
-            gather_rows(to, column, rows, row_count);
-        else
-            std::copy_n(column + first_row, row_count, to);
-        to += row_count;
-    }
+    auto const gather_columns = [=, &cols](std::ptrdiff_t begin, std::ptrdiff_t end) {
+        T* column_to = to + begin * row_count;
+        for (std::ptrdiff_t c = begin; c < end; ++c) {
+            T const* const column = from + static_cast<std::ptrdiff_t>(col_list ? col_list[c] : cols[static_cast<int>(c)]) * source_rows;
+            if (rows)
+                gather_rows(column_to, column, rows, row_count);
+            else
+                std::copy_n(column + first_row, row_count, column_to);
+            column_to += row_count;
+        }
+    };
+    // Copies of cells count references, on one thread.
+    if constexpr (std::is_same_v<T, double>)
+        parallel_for(cols.count(), least_per_thread / row_count + 1, gather_columns);
+    else
+        gather_columns(0, cols.count());
 }
 
 template <class T> M<T> read_block(Mr<T> const& selection)

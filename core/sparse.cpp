@@ -66,7 +66,7 @@ int merge_entries(M<double>& to, M<double> const& from)
 }
 
 // Entries that are looked at together, which costs little more than looking at one.
-constexpr int window = 64;
+constexpr int window = 32;
 
 int count_below(int const* index, int position)
 {

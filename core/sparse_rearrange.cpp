@@ -5,8 +5,10 @@
 #include "core/sparse_build.h"
 #include "runtime/errors.h"
 #include "runtime/messages.h"
+#include "runtime/workers.h"
 
 #include <algorithm>
+#include <atomic>
 #include <climits>
 #include <utility>
 
@@ -129,62 +131,99 @@ M<double> arrlib::sparse_joined(int dim, M<double> const& a, M<double> const& b)
 
 namespace {
 
-// Where the entries of each row start in the transposed value, found by counting; no array when the
-// entries do not rise or when there are far more rows than entries, which is left to sorting.
-class RowStarts {
+// Transposing by counting: the entries lie in pieces, one for each thread, and every piece knows where
+// its entries of each row go.
+class RowPlaces {
 public:
-    explicit RowStarts(Entries const& entries)
+    explicit RowPlaces(Entries const& entries) : entries_(entries), pieces_(entries.count < least_shared ? 1 : std::min(parallel_width(), most_pieces)) {}
+
+    // False when the entries do not rise, when there are far more rows than entries, which is left to
+    // sorting, and when memory is short.
+    bool find()
     {
-        if (entries.rows / 4 > entries.count)
-            return;
-        HeapArray<int> starts(static_cast<std::size_t>(entries.rows));
-        if (!starts || !count_entries(entries, starts.data()))
-            return;
-        int start = 0;
-        for (int& row : starts)
-            start += std::exchange(row, start);
-        starts_ = std::move(starts);
+        if (entries_.rows / 4 > entries_.count)
+            return false;
+        places_ = HeapArray<int>(static_cast<std::size_t>(entries_.rows) * static_cast<std::size_t>(pieces_));
+        if (!places_)
+            return false;
+        std::atomic<bool> rising{true};
+        on_all_pieces([&](int piece) {
+            if (!count_rows(piece))
+                rising.store(false, std::memory_order_relaxed);
+        });
+        int place = 0;
+        for (int row = 0; row < entries_.rows; ++row)
+            for (int piece = 0; piece < pieces_; ++piece)
+                place += std::exchange(of_piece(piece)[row], place);
+        return rising.load();
     }
-    explicit operator bool() const { return static_cast<bool>(starts_); }
-    int next(int row) { return starts_[static_cast<std::size_t>(row)]++; }
+
+    void transpose(M<double>& to)
+    {
+        std::atomic<bool> zeros{false};
+        on_all_pieces([&](int piece) {
+            if (!place_entries(to, piece))
+                zeros.store(true, std::memory_order_relaxed);
+        });
+        to.getnnz() = entries_.count;
+        if (zeros.load())
+            to.resparse();
+    }
 
 private:
-    static bool count_entries(Entries const& entries, int* counts)
+    static constexpr int least_shared = 65536, most_pieces = 8;
+
+    int* of_piece(int piece) { return places_.data() + static_cast<std::ptrdiff_t>(piece) * entries_.rows; }
+    int first_of(int piece) const { return static_cast<int>(static_cast<std::int64_t>(entries_.count) * piece / pieces_); }
+    template <class Work> void on_all_pieces(Work work)
     {
-        std::fill_n(counts, entries.rows, 0);
-        PositionSplit split(entries.rows);
+        parallel_for(pieces_, 1, [&](std::ptrdiff_t from, std::ptrdiff_t to) {
+            for (; from < to; ++from)
+                work(static_cast<int>(from));
+        });
+    }
+
+    // False when the entries do not rise.
+    bool count_rows(int piece)
+    {
+        int* const counts = of_piece(piece);
+        std::fill_n(counts, entries_.rows, 0);
+        PositionSplit split(entries_.rows);
         bool rising = true;
-        for (int k = 0, before = -1; k < entries.count; before = entries.at[k++]) {
-            rising &= entries.at[k] > before;
-            split.at(entries.at[k]);
+        int const first = first_of(piece), end = first_of(piece + 1);
+        for (int k = first, before = first ? entries_.at[first - 1] : -1; k < end; before = entries_.at[k++]) {
+            rising &= entries_.at[k] > before;
+            split.at(entries_.at[k]);
             ++counts[split.row()];
         }
         return rising;
     }
 
-    HeapArray<int> starts_;
-};
-
-void transpose_by_rows(M<double>& to, Entries const& entries, RowStarts& starts)
-{
-    int* const index = Access<double>::index(to);
-    double *const re = to.addr(), *const im = to.addi();
-    int const columns = to.rows();
-    PositionSplit split(entries.rows);
-    bool zeros = false;
-    for (int k = 0; k < entries.count; ++k) {
-        split.at(entries.at[k]);
-        int const place = starts.next(split.row());
-        index[place] = split.row() * columns + split.column();
-        re[place] = entries.re[k];
-        zeros |= entries.re[k] == 0;
-        if (im)
-            im[place] = entries.im[k];
+    // False when a value is zero.
+    bool place_entries(M<double>& to, int piece)
+    {
+        int* const index = Access<double>::index(to);
+        int* const next = of_piece(piece);
+        double *const re = to.addr(), *const im = to.addi();
+        int const columns = to.rows();
+        PositionSplit split(entries_.rows);
+        bool zeros = false;
+        for (int k = first_of(piece), end = first_of(piece + 1); k < end; ++k) {
+            split.at(entries_.at[k]);
+            int const place = next[split.row()]++;
+            index[place] = split.row() * columns + split.column();
+            re[place] = entries_.re[k];
+            zeros |= entries_.re[k] == 0;
+            if (im)
+                im[place] = entries_.im[k];
+        }
+        return !zeros;
     }
-    to.getnnz() = entries.count;
-    if (zeros)
-        to.resparse();
-}
+
+    Entries const& entries_;
+    int pieces_;
+    HeapArray<int> places_;
+};
 
 bool transpose_by_sorting(M<double>& to, Entries const& entries)
 {
@@ -213,8 +252,8 @@ M<double> arrlib::sparse_transposed(M<double> const& a)
     M<double> made = result_like(a.isc(), Dims(a.cols(), a.rows()), entries.count);
     if (!has_storage(made))
         return made;
-    if (RowStarts starts(entries); starts)
-        transpose_by_rows(made, entries, starts);
+    if (RowPlaces places(entries); places.find())
+        places.transpose(made);
     else if (!transpose_by_sorting(made, entries))
         return Access<double>::without_storage();
     return made;

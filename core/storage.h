@@ -97,16 +97,16 @@ template <> struct Storage<double> {
         return made;
     }
 
-    // The storage of a 1x1 real value; the fast path of it all.
+    // The storage of a 1x1 real value.
+    static constexpr int scalar_capacity = 1 + spare;
+    static constexpr std::size_t scalar_bytes = scalar_capacity * sizeof(double) + sizeof(StorageRecord);
+    static_assert(scalar_bytes <= Pool::largest_small);
     static StorageBlock<double> take_scalar(double value)
     {
-        constexpr int capacity = 1 + spare;
-        constexpr std::size_t size = bytes(capacity, false);
-        static_assert(size <= Pool::largest_small);
-        void* const block = pool.allocate(size);
+        void* const block = pool.allocate(scalar_bytes);
         if (ARRLIB_UNLIKELY(!block))
             return {};
-        StorageBlock<double> const made = lay_out(block, size, capacity, false);
+        StorageBlock<double> const made = lay_out(block, scalar_bytes, scalar_capacity, false);
         made.re[0] = value;
         return made;
     }

@@ -1,4 +1,5 @@
-// The random generators: two uniform ones, and a normal one on a generator of its own.
+// The random generators: two uniform ones, and a normal one on a generator of its own. Draws in bulk
+// give the very numbers that single draws give, and leave the same state behind.
 #ifndef ARRLIB_OPS_RANDOM_GENERATOR_H
 #define ARRLIB_OPS_RANDOM_GENERATOR_H
 
@@ -7,7 +8,10 @@
 
 namespace arrlib {
 
-// A lagged difference of 32 numbers in [0,1), whose low bits are mixed with a shift register.
+// A lagged difference with borrow of 32 numbers in [0,1), whose mantissas are mixed with a shift
+// register. The numbers are multiples of 2^-53 and are kept as those multiples: all steps are exact.
+// A seed sets the register only. The exponents are those of the one lagged sequence, so that streams
+// of different seeds correlate, and products of a few dozen successive draws show the lags.
 class RandState {
 public:
     // Length of the exchanged vector: the numbers, then borrow, index and shift register scaled
@@ -17,15 +21,17 @@ public:
     constexpr RandState() { seed(0); }
     // In [0,1).
     double draw();
+    void draw(double* to, int count);
     constexpr void seed(double value);
     void store(double* vector) const;
-    // A vector that store() did not give is taken as it is; the index is wrapped.
+    // A vector that store() did not give is made into a state: numbers outside [0,1) become 0, others
+    // lose what lies below 2^-53, and the index is wrapped.
     void load(double const* vector);
 
 private:
     static constexpr std::uint32_t numbers = 32;
 
-    double u_[numbers] = {};
+    std::uint64_t u_[numbers] = {};
     std::uint32_t index_ = 0;
     std::uint32_t borrow_ = 0;
     std::uint32_t shift_ = 0;
@@ -37,8 +43,10 @@ public:
     constexpr RandSeed() { set(0); }
     // In (0,1).
     double draw();
+    void draw(double* to, int count);
     // By the polar method; the second number of each pair is dropped.
     double draw_normal();
+    void draw_normal(double* to, int count);
     constexpr void set(double value);
     // What set() was given, modulo 2^32, when that was in [1,2147483646]; the default seed for 0.
     double external() const;
@@ -100,7 +108,7 @@ constexpr void RandState::seed(double value)
 {
     constexpr double words = 4294967296.0;
     for (std::uint32_t k = 0; k < numbers; ++k)
-        u_[k] = std::bit_cast<double>(rand_seed_table.bits[k] ^ RandSeedTable::mask(k));
+        u_[k] = static_cast<std::uint64_t>(std::bit_cast<double>(rand_seed_table.bits[k] ^ RandSeedTable::mask(k)) * 0x1p53);
     index_ = borrow_ = 0;
     if (value > 0 && value < words)
         shift_ = static_cast<std::uint32_t>(value);

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 
 namespace arrlib::platform {
 
@@ -53,6 +54,10 @@ void ignore_floating_point_signal();
 // A little above normal, for the calling thread; a refusal changes nothing.
 void raise_thread_priority();
 int process_id();
+// Processors that this process may run on.
+int processor_count();
+// The child of a fork has none of the parent's other threads; `forget` is called in it.
+void call_after_fork(void (*forget)());
 void sleep_milliseconds(unsigned milliseconds);
 // The value of an environment variable, or null.
 char const* environment(char const* name);
@@ -74,6 +79,41 @@ WriteResult write_file(char const* path, char const* content, std::size_t length
 // Reads a whole file into a block of the library's heap, with a zero byte behind it.
 enum class ReadResult { done, not_found, not_read, out_of_memory };
 ReadResult read_file(char const* path, char** content, std::size_t* length);
+
+// --- streams ------------------------------------------------------------------------------------
+
+// A C stream on a file; the mode is r, w or a with any of +, b and t behind it. Null when that cannot
+// be had, as for folders. Commands that run meanwhile do not inherit it.
+std::FILE* open_stream(char const* path, char const* mode);
+// In bytes, also beyond 2 GiB; -1 for a stream without positions.
+std::int64_t stream_position(std::FILE* stream);
+enum class SeekFrom { start, here, end };
+bool seek_stream(std::FILE* stream, std::int64_t offset, SeekFrom from);
+// Size of the regular file behind a stream, as the system sees it; -1 for pipes, devices and the like.
+std::int64_t stream_size(std::FILE* stream);
+
+// --- folders and commands -----------------------------------------------------------------------
+
+bool make_folder(char const* path);
+bool remove_folder(char const* path);
+bool change_folder(char const* path);
+// False when the path is longer than the room or there is none.
+bool working_folder(char* path, std::size_t room);
+bool remove_file(char const* path);
+// True when both names lead to one existing file.
+bool is_same_file(char const* one, char const* other);
+// Between the names of a path; between the paths of a list.
+extern char const file_separator[];
+extern char const path_separator[];
+
+// Runs a command in the system's shell and waits for it. What has been written to standard output
+// so far comes before what it writes. Returns its status, 128 and the signal's number when a signal
+// ended it, -1 when it could not be started.
+int run_command(char const* command);
+// The same with its output to be read from a stream, which finish_command closes; null when it could
+// not be started.
+std::FILE* start_command(char const* command);
+int finish_command(std::FILE* output);
 
 } // namespace arrlib::platform
 

@@ -3,11 +3,14 @@
 #include <fcntl.h>
 #include <malloc.h>
 #include <poll.h>
+#include <pthread.h>
+#include <sched.h>
 #include <signal.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <sys/wait.h>
 #include <termios.h>
 #include <time.h>
 #include <ucontext.h>
@@ -196,6 +199,18 @@ void raise_thread_priority()
 int process_id()
 {
     return static_cast<int>(getpid());
+}
+
+int processor_count()
+{
+    cpu_set_t usable;
+    CPU_ZERO(&usable);
+    return sched_getaffinity(0, sizeof usable, &usable) == 0 ? CPU_COUNT(&usable) : 1;
+}
+
+void call_after_fork(void (*forget)())
+{
+    static_cast<void>(pthread_atfork(nullptr, nullptr, forget));
 }
 
 void sleep_milliseconds(unsigned milliseconds)
@@ -396,6 +411,103 @@ ReadResult read_file(char const* path, char** content, std::size_t* length)
         capacity *= 2;
     }
     return ReadResult::out_of_memory;
+}
+
+// --- streams ------------------------------------------------------------------------------------------
+
+std::FILE* open_stream(char const* path, char const* mode)
+{
+    // Text and binary streams are the same here.
+    bool const update = std::strchr(mode, '+') != nullptr;
+    char const how[] = {mode[0], 'e', update ? '+' : '\0', '\0'};
+    std::FILE* const stream = std::fopen(path, how);
+    struct stat found = {};
+    if (stream && fstat(fileno(stream), &found) == 0 && S_ISDIR(found.st_mode)) {
+        std::fclose(stream);
+        errno = EISDIR;
+        return nullptr;
+    }
+    return stream;
+}
+
+std::int64_t stream_position(std::FILE* stream)
+{
+    return ftello(stream);
+}
+
+bool seek_stream(std::FILE* stream, std::int64_t offset, SeekFrom from)
+{
+    return fseeko(stream, offset, from == SeekFrom::start ? SEEK_SET : from == SeekFrom::here ? SEEK_CUR : SEEK_END) == 0;
+}
+
+std::int64_t stream_size(std::FILE* stream)
+{
+    struct stat found = {};
+    return fstat(fileno(stream), &found) == 0 && S_ISREG(found.st_mode) ? found.st_size : -1;
+}
+
+// --- folders and commands -----------------------------------------------------------------------------
+
+char const file_separator[] = "/";
+char const path_separator[] = ":";
+
+bool make_folder(char const* path)
+{
+    return mkdir(path, 0777) == 0;
+}
+
+bool remove_folder(char const* path)
+{
+    return rmdir(path) == 0;
+}
+
+bool change_folder(char const* path)
+{
+    return chdir(path) == 0;
+}
+
+bool working_folder(char* path, std::size_t room)
+{
+    return getcwd(path, room) != nullptr;
+}
+
+bool remove_file(char const* path)
+{
+    return unlink(path) == 0;
+}
+
+bool is_same_file(char const* one, char const* other)
+{
+    struct stat first = {}, second = {};
+    return stat(one, &first) == 0 && stat(other, &second) == 0 && first.st_dev == second.st_dev && first.st_ino == second.st_ino;
+}
+
+namespace {
+
+int exit_status(int wait_status)
+{
+    if (wait_status == -1)
+        return -1;
+    return WIFSIGNALED(wait_status) ? 128 + WTERMSIG(wait_status) : WEXITSTATUS(wait_status);
+}
+
+} // namespace
+
+int run_command(char const* command)
+{
+    std::fflush(stdout);
+    return exit_status(std::system(command));
+}
+
+std::FILE* start_command(char const* command)
+{
+    std::fflush(stdout);
+    return popen(command, "re");
+}
+
+int finish_command(std::FILE* output)
+{
+    return exit_status(pclose(output));
 }
 
 } // namespace arrlib::platform

@@ -6,6 +6,8 @@
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 
+#include <direct.h>
+#include <io.h>
 #include <malloc.h>
 
 #include <conio.h>
@@ -149,6 +151,16 @@ int process_id()
 {
     return static_cast<int>(GetCurrentProcessId());
 }
+
+int processor_count()
+{
+    SYSTEM_INFO system;
+    GetSystemInfo(&system);
+    return static_cast<int>(system.dwNumberOfProcessors);
+}
+
+// There is no fork here.
+void call_after_fork(void (*)()) {}
 
 void sleep_milliseconds(unsigned milliseconds)
 {
@@ -331,6 +343,100 @@ ReadResult read_file(char const* path, char** content, std::size_t* length)
         }
     }
     return ReadResult::out_of_memory;
+}
+
+// --- streams ------------------------------------------------------------------------------------------
+
+namespace {
+
+HANDLE system_handle(std::FILE* stream)
+{
+    return reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)));
+}
+
+} // namespace
+
+std::FILE* open_stream(char const* path, char const* mode)
+{
+    std::FILE* const stream = std::fopen(path, mode);
+    if (stream)
+        SetHandleInformation(system_handle(stream), HANDLE_FLAG_INHERIT, 0);
+    return stream;
+}
+
+std::int64_t stream_position(std::FILE* stream)
+{
+    return _ftelli64(stream);
+}
+
+bool seek_stream(std::FILE* stream, std::int64_t offset, SeekFrom from)
+{
+    return _fseeki64(stream, offset, from == SeekFrom::start ? SEEK_SET : from == SeekFrom::here ? SEEK_CUR : SEEK_END) == 0;
+}
+
+std::int64_t stream_size(std::FILE* stream)
+{
+    HANDLE const file = system_handle(stream);
+    LARGE_INTEGER size = {};
+    return GetFileType(file) == FILE_TYPE_DISK && GetFileSizeEx(file, &size) ? size.QuadPart : -1;
+}
+
+// --- folders and commands -----------------------------------------------------------------------------
+
+char const file_separator[] = "\\";
+char const path_separator[] = ";";
+
+bool make_folder(char const* path)
+{
+    return CreateDirectoryA(path, nullptr);
+}
+
+bool remove_folder(char const* path)
+{
+    return RemoveDirectoryA(path);
+}
+
+bool change_folder(char const* path)
+{
+    return _chdir(path) == 0;
+}
+
+bool working_folder(char* path, std::size_t room)
+{
+    DWORD const length = GetCurrentDirectoryA(static_cast<DWORD>(std::min<std::size_t>(room, MAXDWORD)), path);
+    return length > 0 && length < room;
+}
+
+bool remove_file(char const* path)
+{
+    return DeleteFileA(path);
+}
+
+bool is_same_file(char const* one, char const* other)
+{
+    constexpr DWORD share_all = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    Handle const first(CreateFileA(one, 0, share_all, nullptr, OPEN_EXISTING, 0, nullptr));
+    Handle const second(CreateFileA(other, 0, share_all, nullptr, OPEN_EXISTING, 0, nullptr));
+    BY_HANDLE_FILE_INFORMATION a = {}, b = {};
+    return first && second && GetFileInformationByHandle(first.get(), &a) && GetFileInformationByHandle(second.get(), &b) &&
+           a.dwVolumeSerialNumber == b.dwVolumeSerialNumber && a.nFileIndexHigh == b.nFileIndexHigh && a.nFileIndexLow == b.nFileIndexLow;
+}
+
+int run_command(char const* command)
+{
+    std::fflush(stdout);
+    return std::system(command);
+}
+
+std::FILE* start_command(char const* command)
+{
+    std::fflush(stdout);
+    return _popen(command, "rb");
+}
+
+int finish_command(std::FILE* output)
+{
+    return _pclose(output);
 }
 
 } // namespace arrlib::platform

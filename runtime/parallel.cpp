@@ -3,6 +3,7 @@
 #include "platform/platform.h"
 #include "runtime/errors.h"
 #include "runtime/report.h"
+#include "runtime/workers.h"
 
 #include <atomic>
 #include <mutex>
@@ -22,6 +23,8 @@ constinit std::atomic<int> running_threads{0};
 void run_on_thread(M<double> (*function)())
 {
     platform::CrashStack const stack_for_crashes;
+    // The program's own threads are the ones that keep the processors busy.
+    SerialWork const on_this_thread;
     try {
         function();
     } catch (...) {
@@ -53,7 +56,8 @@ using namespace arrlib;
 
 int nx_set_MT(int on)
 {
-    __atomic_store_n(&multi_thread_switch, on, __ATOMIC_RELAXED);
+    pool.set_threaded(on != 0);
+    __atomic_store_n(&multi_thread_switch, on, __ATOMIC_RELEASE);
     return platform::process_id();
 }
 

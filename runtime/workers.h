@@ -31,6 +31,20 @@ private:
 void parallel_for(std::ptrdiff_t count, std::ptrdiff_t least, RangeWork work);
 // How many threads parallel_for may use here and now.
 int parallel_width();
+// Another limit than the environment's, 0 for the number of processors; returns the one before.
+int set_parallel_limit(int threads);
+
+// While one lives on a thread, parallel_for works on that thread alone.
+class SerialWork {
+public:
+    SerialWork();
+    ~SerialWork();
+    SerialWork(SerialWork const&) = delete;
+    SerialWork& operator=(SerialWork const&) = delete;
+
+private:
+    bool before_;
+};
 
 } // namespace arrlib
 

@@ -1,0 +1,79 @@
+#include "ops/blas.h"
+
+#if defined(ARRLIB_OPENBLAS)
+#include <cblas.h>
+#include <mutex>
+#endif
+
+namespace arrlib {
+
+#if defined(ARRLIB_OPENBLAS)
+
+namespace {
+
+// The work is shared out above this file, which knows when to stay on one thread. The library knows
+// one number of threads for the whole process: it is one while a call of ours runs, and then again
+// what it was.
+class OneThread {
+public:
+    OneThread()
+    {
+        std::lock_guard const only(counting);
+        if (calls++ == 0) {
+            threads_before = openblas_get_num_threads();
+            if (threads_before != 1)
+                openblas_set_num_threads(1);
+        }
+    }
+    ~OneThread()
+    {
+        std::lock_guard const only(counting);
+        if (--calls == 0 && threads_before != 1)
+            openblas_set_num_threads(threads_before);
+    }
+    OneThread(OneThread const&) = delete;
+    OneThread& operator=(OneThread const&) = delete;
+
+private:
+    static constinit inline std::mutex counting;
+    static constinit inline int calls = 0;
+    static constinit inline int threads_before = 1;
+};
+
+void gemm(int m, int n, int k, double alpha, ConstantPanel a, ConstantPanel b, bool onto, Panel c)
+{
+    OneThread const one;
+    cblas_dgemm(CblasColMajor, CblasNoTrans, CblasNoTrans, m, n, k, alpha, a.at, a.stride, b.at, b.stride, onto ? 1 : 0, c.at, c.stride);
+}
+
+void gemv(int m, int n, double alpha, ConstantPanel a, double const* x, double* y)
+{
+    OneThread const one;
+    cblas_dgemv(CblasColMajor, CblasNoTrans, m, n, alpha, a.at, a.stride, x, 1, 1, y, 1);
+}
+
+void gemv_transposed(int m, int n, double alpha, ConstantPanel a, double const* x, double* y)
+{
+    OneThread const one;
+    cblas_dgemv(CblasColMajor, CblasTrans, m, n, alpha, a.at, a.stride, x, 1, 1, y, 1);
+}
+
+double dot(int n, double const* x, double const* y)
+{
+    OneThread const one;
+    return cblas_ddot(n, x, 1, y, 1);
+}
+
+constexpr Blas open_blas{gemm, gemv, gemv_transposed, dot};
+
+} // namespace
+
+constinit Blas const& blas = open_blas;
+
+#else
+
+constinit Blas const& blas = plain_blas;
+
+#endif
+
+} // namespace arrlib

@@ -1,0 +1,199 @@
+#include "ops/creator.h"
+
+#include "core/access.h"
+#include "core/arguments.h"
+#include "ops/random_generator.h"
+#include "runtime/constants.h"
+#include "runtime/errors.h"
+#include "runtime/workers.h"
+
+#include <algorithm>
+#include <cstddef>
+
+using namespace arrlib;
+
+namespace {
+
+using Arguments = std::initializer_list<M<double> const*>;
+
+enum class Reading { done, empty, reported };
+
+Reading refuse(char const* message)
+{
+    error(message);
+    return Reading::reported;
+}
+
+bool is_omitted(M<double> const& argument)
+{
+    return argument.size() == 0 && argument.issamename(nop_M.getname());
+}
+
+// The sizes that the arguments ask for.
+Reading read_sizes(Arguments arguments, SizeList& sizes)
+{
+    int given = 0;
+    bool scalars = true;
+    for (M<double> const* const argument : arguments) {
+        if (given > 0 && is_omitted(*argument))
+            continue;
+        if (argument->size() == 0)
+            return Reading::empty;
+        scalars = scalars && argument->size() == 1;
+        if (given == 0)
+            sizes = SizeList(*argument);
+        else if (given < max_dims)
+            sizes.size[given] = integer_argument(*argument);
+        ++given;
+    }
+    if (given == 1 && scalars)
+        sizes.size[1] = sizes.size[0];
+    if (given > 1) {
+        if (!scalars)
+            return refuse("eye01: expecting scalar argument");
+        sizes.count = given;
+    }
+    return sizes.fits() ? Reading::done : refuse("eye01: too many dimensions");
+}
+
+void fill(double* to, int count, double value)
+{
+    // A thread that gets less than this costs more than it saves.
+    constexpr std::ptrdiff_t share = 1 << 17;
+    parallel_for(count, share, [=](std::ptrdiff_t from, std::ptrdiff_t end) { std::fill(to + from, to + end, value); });
+}
+
+} // namespace
+
+M<double> arrlib::eye01(int code, Arguments arguments)
+{
+    SizeList sizes;
+    Reading const reading = read_sizes(arguments, sizes);
+    if (reading != Reading::done)
+        return reading == Reading::empty ? nop_M : x_M;
+    Dims const shape(max_dims, sizes.size);
+    if (code == create_identity && shape.ndims > 2) {
+        refuse("eye01: too many dimensions");
+        return x_M;
+    }
+    if (code < create_zeros || code > create_normal) {
+        error("eye01_op: unknown op");
+        return x_M;
+    }
+    M<double> made = Access<double>::full(code == create_complex_zeros, shape);
+    double* const re = made.addr();
+    if (!re)
+        return x_M;
+    if (code == create_uniform)
+        draw_uniform(re, shape.count);
+    else if (code == create_normal)
+        draw_normal(re, shape.count);
+    else
+        fill(re, shape.count, code == create_ones ? 1 : 0);
+    if (made.isc())
+        fill(made.addi(), shape.count, 0);
+    if (code == create_identity)
+        for (int k = 0; k < std::min(shape.size[0], shape.size[1]); ++k)
+            re[static_cast<std::ptrdiff_t>(k) * (shape.size[0] + 1)] = 1;
+    return made;
+}
+
+M<double> zeros()
+{
+    return M<double>(0.0);
+}
+
+M<double> zeros(M<double> const& n)
+{
+    return eye01(create_zeros, {&n});
+}
+
+M<double> zeros(M<double> const& m, M<double> const& n)
+{
+    return eye01(create_zeros, {&m, &n});
+}
+
+M<double> zeros(M<double> const& m, M<double> const& n, M<double> const& p)
+{
+    return eye01(create_zeros, {&m, &n, &p});
+}
+
+M<double> zeros(M<double> const& m, M<double> const& n, M<double> const& p, M<double> const& q)
+{
+    return eye01(create_zeros, {&m, &n, &p, &q});
+}
+
+M<double> czeros()
+{
+    return eye01(create_complex_zeros, {});
+}
+
+M<double> czeros(M<double> const& n)
+{
+    return eye01(create_complex_zeros, {&n});
+}
+
+M<double> czeros(M<double> const& m, M<double> const& n)
+{
+    return eye01(create_complex_zeros, {&m, &n});
+}
+
+M<double> czeros(M<double> const& m, M<double> const& n, M<double> const& p)
+{
+    return eye01(create_complex_zeros, {&m, &n, &p});
+}
+
+M<double> czeros(M<double> const& m, M<double> const& n, M<double> const& p, M<double> const& q)
+{
+    return eye01(create_complex_zeros, {&m, &n, &p, &q});
+}
+
+M<double> ones()
+{
+    return M<double>(1.0);
+}
+
+M<double> ones(M<double> const& n)
+{
+    return eye01(create_ones, {&n});
+}
+
+M<double> ones(M<double> const& m, M<double> const& n)
+{
+    return eye01(create_ones, {&m, &n});
+}
+
+M<double> ones(M<double> const& m, M<double> const& n, M<double> const& p)
+{
+    return eye01(create_ones, {&m, &n, &p});
+}
+
+M<double> ones(M<double> const& m, M<double> const& n, M<double> const& p, M<double> const& q)
+{
+    return eye01(create_ones, {&m, &n, &p, &q});
+}
+
+M<double> eye()
+{
+    return M<double>(1.0);
+}
+
+M<double> eye(M<double> const& n)
+{
+    return eye01(create_identity, {&n});
+}
+
+M<double> eye(M<double> const& m, M<double> const& n)
+{
+    return eye01(create_identity, {&m, &n});
+}
+
+M<double> eye(M<double> const& m, M<double> const& n, M<double> const& p)
+{
+    return eye01(create_identity, {&m, &n, &p});
+}
+
+M<double> eye(M<double> const& m, M<double> const& n, M<double> const& p, M<double> const& q)
+{
+    return eye01(create_identity, {&m, &n, &p, &q});
+}

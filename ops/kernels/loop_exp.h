@@ -1,0 +1,136 @@
+// Exponentials and hyperbolic functions.
+//
+// x is cut into k log(2)/16 and a rest r of at most log(2)/32; exp(x) is 2^(k/16) exp(r). The power of
+// two comes from a table of its 16 fractions, whose rounding is made good by a second table; exp(r) - 1
+// is a polynomial, of about 1/50 and less, so that its rounding does not count.
+#ifndef ARRLIB_OPS_KERNELS_LOOP_EXP_H
+#define ARRLIB_OPS_KERNELS_LOOP_EXP_H
+
+#include "ops/kernels/loop_arithmetic.h"
+#include "ops/kernels/loop_constants.h"
+#include "ops/kernels/loop_pair.h"
+
+namespace arrlib {
+namespace {
+
+// 1.5 2^52: a sum with it is rounded to an integer, which stands in its low bits.
+constexpr double to_integer = 0x1.8p52;
+
+// significand 2^floor(exponent); the significand is in [0.97, 2.05].
+template <class V> struct Exponential {
+    Pair<V> significand;
+    V exponent;
+
+    V value() const { return scale(significand.value(), exponent); }
+};
+
+// exp(r) 2^(k/16), k standing in the low bits of `shifted` = k + to_integer.
+template <class V> Exponential<V> exponential_of_parts(V r, V k, V shifted)
+{
+    V const step = pick(exp_step, shifted.bits()), low = pick(exp_step_low, shifted.bits());
+    V const growth = fma(r * r, polynomial(r, exp_terms), r);
+    return {{step, fma(step, growth, low)}, k * V(1.0 / 16)};
+}
+
+// exp(x); the argument is a sum, of at most 1000 in magnitude.
+template <class V> Exponential<V> exponential(V x, V low)
+{
+    V const shifted = fma(x, V(sixteenths_per_ln2), V(to_integer)), k = shifted - V(to_integer);
+    // The first product and difference are exact.
+    V const r = fma(-k, V(ln2_sixteenth[1]), fma(-k, V(ln2_sixteenth[0]), x)) + low;
+    return exponential_of_parts(r, k, shifted);
+}
+template <class V> Exponential<V> exponential(V x)
+{
+    V const shifted = fma(x, V(sixteenths_per_ln2), V(to_integer)), k = shifted - V(to_integer);
+    return exponential_of_parts(fma(-k, V(ln2_sixteenth[1]), fma(-k, V(ln2_sixteenth[0]), x)), k, shifted);
+}
+
+// Not further from 0 than the limit; NaN stays.
+template <class V> V within(V x, double limit) { return smaller(V(limit), larger(V(-limit), x)); }
+
+struct Exp {
+    template <class V> static V of(V x) { return exponential(within(x, 800)).value(); }
+};
+
+struct Pow2 {
+    template <class V> static V of(V x)
+    {
+        V const y = within(x, 1200), shifted = fma(y, V(16.0), V(to_integer)), k = shifted - V(to_integer);
+        V const rest = fma(k, V(-1.0 / 16), y);
+        return exponential_of_parts(rest * V(natural_log.of_two[0] + natural_log.of_two[1]), k, shifted).value();
+    }
+};
+
+// (exp(x) + sign exp(-x)) / 2, for x >= 0, and its exponent.
+template <class V> Exponential<V> half_sum(V x, double sign)
+{
+    Exponential<V> const e = exponential(within(x, 800));
+    Pair<V> const inverse = reciprocal(sum_of_ordered(e.significand.hi, e.significand.lo));
+    // Beyond 2^-500 the other term does not count; the exponent must be an integer before it is doubled.
+    V const whole = floor(e.exponent), factor = scale(V(sign), smaller(V(500.0), whole) * V(-2.0));
+    return {e.significand + Pair<V>{inverse.hi * factor, inverse.lo * factor}, whole - V(1.0)};
+}
+
+// sinh(x) for 0 <= x < 1.
+template <class V> Pair<V> small_sinh(V x)
+{
+    V const square = x * x;
+    return sum_of_ordered(x, x * square * polynomial(square, sinh_terms));
+}
+template <class V> Exponential<V> sinh_parts(V x)
+{
+    Exponential<V> const far = half_sum(x, -1);
+    typename V::Mask const small = x < V(1.0);
+    return {select(small, small_sinh(x), far.significand), select(small, V(0.0), far.exponent)};
+}
+
+// tanh(x) for x >= 0: a polynomial to 1/2, then 1 - 2/(exp(2x) + 1).
+template <class V> Pair<V> tanh_parts(V x)
+{
+    V const square = x * x;
+    Pair<V> const small = sum_of_ordered(x, x * square * polynomial(square, tanh_terms));
+    Exponential<V> const e = exponential(smaller(V(30.0), x) * V(2.0));
+    Pair<V> const grown = sum_of_ordered(e.significand.hi, e.significand.lo);
+    V const factor = scale(V(1.0), e.exponent);
+    Pair<V> const rest = reciprocal(Pair<V>{grown.hi * factor, grown.lo * factor} + V(1.0));
+    return select(x < V(0.5), small, Pair<V>{V(1.0), V(0.0)} - Pair<V>{rest.hi * V(2.0), rest.lo * V(2.0)});
+}
+
+struct Cosh {
+    template <class V> static V of(V x) { return half_sum(abs(x), 1).value(); }
+};
+struct Sech {
+    template <class V> static V of(V x)
+    {
+        Exponential<V> const c = half_sum(abs(x), 1);
+        return scale(reciprocal(c.significand).value(), -c.exponent);
+    }
+};
+struct Sinh {
+    template <class V> static V of(V x) { return copy_sign(sinh_parts(abs(x)).value(), x); }
+};
+struct Csch {
+    template <class V> static V of(V x)
+    {
+        Exponential<V> const s = sinh_parts(abs(x));
+        // The reciprocals of the least numbers overflow.
+        V const inverse = select(abs(x) < V(0x1p-900), V(1.0) / abs(x), reciprocal(s.significand).value());
+        return copy_sign(scale(inverse, -s.exponent), x);
+    }
+};
+struct Tanh {
+    template <class V> static V of(V x) { return copy_sign(tanh_parts(abs(x)).value(), x); }
+};
+struct Coth {
+    template <class V> static V of(V x)
+    {
+        V const inverse = select(abs(x) < V(0x1p-900), V(1.0) / abs(x), reciprocal(tanh_parts(abs(x))).value());
+        return copy_sign(inverse, x);
+    }
+};
+
+} // namespace
+} // namespace arrlib
+
+#endif

@@ -1,0 +1,132 @@
+// Sine, cosine and what is made of them.
+//
+// The angle is reduced to at most pi/4 beyond a multiple of pi/2, as a pair; there one polynomial gives
+// the sine or the cosine, lane by lane the one that is wanted. Both begin with terms that are not rounded
+// (x, and 1 - x^2/2), so that the polynomial's rounding counts for a tenth of an ulp.
+#ifndef ARRLIB_OPS_KERNELS_LOOP_TRIG_H
+#define ARRLIB_OPS_KERNELS_LOOP_TRIG_H
+
+#include "ops/kernels/huge_angle.h"
+#include "ops/kernels/loop_exp.h"
+
+namespace arrlib {
+namespace {
+
+// From here on the kernels leave the reduction to another function.
+constexpr double least_huge_angle = 0x1p28;
+
+template <class V> struct Reduced {
+    V hi, lo;
+    // Of pi/2, modulo 4, in the low bits.
+    typename V::Bits quarters;
+};
+
+template <class V> Reduced<V> reduce(V x)
+{
+    V const shifted = fma(x, V(two_over_pi), V(to_integer)), n = shifted - V(to_integer);
+    // Exact, and so is the difference from it: its last place is above that of the second part.
+    V const first = fma(n, V(-half_pi[0]), x);
+    Pair<V> const second = product_of(n, V(half_pi[1]));
+    V const hi = first - second.hi, lo = ((first - hi) - second.hi) - second.lo;
+    return {hi, fma(n, V(-half_pi[2]), lo), shifted.bits()};
+}
+template <class V> Reduced<V> reduce_lane_by_lane(V x)
+{
+    double from[V::count], hi[V::count], lo[V::count], quarters[V::count];
+    Reduced<V> const plain = reduce(x);
+    x.store(from);
+    plain.hi.store(hi);
+    plain.lo.store(lo);
+    V::of(plain.quarters).store(quarters);
+    unsigned const huge = (!(abs(x) < V(least_huge_angle))).lanes();
+    for (int k = 0; k < V::count; ++k)
+        if (huge >> k & 1) {
+            ReducedAngle const angle = reduce_huge_angle(from[k]);
+            hi[k] = angle.hi;
+            lo[k] = angle.lo;
+            quarters[k] = to_integer + angle.quarters;
+        }
+    return {V::load(hi), V::load(lo), V::load(quarters).bits()};
+}
+// What the formula makes of the angle and what it is reduced to. Out of line the formula stands once
+// more: the compiler would keep the reduced angles in memory if they came from there at times.
+template <class Formula, class V> ARRLIB_COLD V of_huge_angle(V x) { return Formula::of(x, reduce_lane_by_lane(x)); }
+template <class Formula, class V> V of_angle(V x)
+{
+    Reduced<V> const reduced = reduce(x);
+    typename V::Mask const huge = !(abs(x) < V(least_huge_angle));
+    return huge.any() ? of_huge_angle<Formula>(x) : Formula::of(x, reduced);
+}
+
+// sin(x + quarters pi/2) but for the sign: a value and a correction of a fifth of it at most. Odd
+// quarters want the cosine.
+template <class V> Pair<V> sine_parts(V hi, V lo, typename V::Bits quarters)
+{
+    typename V::Mask const cosine = V::Mask::of(quarters & typename V::Bits(1));
+    V const square = hi * hi, square_low = fma(hi, hi, -square), rest = fma(square, V(-0.5), V(1.0));
+    V terms = pick(sin_terms[5], cos_terms[5], quarters);
+    for (std::size_t k = 5; k-- > 0;)
+        terms = fma(terms, square, pick(sin_terms[k], cos_terms[k], quarters));
+    V const lost = fma(square_low, V(-0.5), fma(square, V(-0.5), V(1.0) - rest));
+    V const correction = fma(lo, select(cosine, -hi, rest), select(cosine, lost, V(0.0)));
+    return {select(cosine, rest, hi), fma(square * select(cosine, square, hi), terms, correction)};
+}
+// sin(x + quarters pi/2), and as a pair.
+template <class V> V sine(Reduced<V> angle, unsigned quarters)
+{
+    typename V::Bits const all = angle.quarters + typename V::Bits(quarters), sign = (all & typename V::Bits(2)).template up<62>();
+    return V::of(sine_parts(angle.hi, angle.lo, all).value().bits() ^ sign);
+}
+template <class V> Pair<V> sine_pair(Reduced<V> angle, unsigned quarters)
+{
+    typename V::Bits const all = angle.quarters + typename V::Bits(quarters), sign = (all & typename V::Bits(2)).template up<62>();
+    Pair<V> const parts = sine_parts(angle.hi, angle.lo, all), sum = sum_of_ordered(parts.hi, parts.lo);
+    return {V::of(sum.hi.bits() ^ sign), V::of(sum.lo.bits() ^ sign)};
+}
+
+// Below this the sine is the angle, and the cosine is 1.
+constexpr double least_angle = 0x1p-30;
+
+struct Sin {
+    template <class V> static V of(V x) { return of_angle<Sin>(x); }
+    template <class V> static V of(V x, Reduced<V> angle) { return select(abs(x) < V(least_angle), x, sine(angle, 0)); }
+};
+struct Cos {
+    template <class V> static V of(V x) { return of_angle<Cos>(x); }
+    template <class V> static V of(V, Reduced<V> angle) { return sine(angle, 1); }
+};
+struct Tan {
+    template <class V> static V of(V x) { return of_angle<Tan>(x); }
+    template <class V> static V of(V x, Reduced<V> angle) { return select(abs(x) < V(least_angle), x, (sine_pair(angle, 0) / sine_pair(angle, 1)).value()); }
+};
+struct Cot {
+    template <class V> static V of(V x) { return of_angle<Cot>(x); }
+    template <class V> static V of(V x, Reduced<V> angle) { return select(abs(x) < V(least_angle), V(1.0) / x, (sine_pair(angle, 1) / sine_pair(angle, 0)).value()); }
+};
+struct Sec {
+    template <class V> static V of(V x) { return of_angle<Sec>(x); }
+    template <class V> static V of(V, Reduced<V> angle) { return reciprocal(sine_pair(angle, 1)).value(); }
+};
+struct Csc {
+    template <class V> static V of(V x) { return of_angle<Csc>(x); }
+    template <class V> static V of(V x, Reduced<V> angle) { return select(abs(x) < V(least_angle), V(1.0) / x, reciprocal(sine_pair(angle, 0)).value()); }
+};
+struct Sinc {
+    template <class V> static V of(V x)
+    {
+        // Exact, modulo 2 and then beyond halves.
+        V const turned = fma(trunc(x * V(0.5)), V(-2.0), x), shifted = fma(turned, V(2.0), V(to_integer));
+        V const rest = fma(shifted - V(to_integer), V(-0.5), turned);
+        Pair<V> const pi_pair{V(pi_parts[0]), V(pi_parts[1])}, angle = pi_pair * Pair<V>{rest, V(0.0)};
+        Pair<V> const sine = sine_pair(Reduced<V>{angle.hi, angle.lo, shifted.bits()}, 0);
+        // Numbers above 2^53 are whole, and their sines 0.
+        V const below = select(abs(x) < V(0x1p60), x, V(0x1p60));
+        V const result = (sine / (pi_pair * Pair<V>{below, V(0.0)})).value();
+        return select(abs(x) < V(least_angle), V(1.0), result);
+    }
+};
+
+} // namespace
+} // namespace arrlib
+
+#endif

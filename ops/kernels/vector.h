@@ -1,0 +1,120 @@
+// Several doubles at once, and one: the types that the kernels are templates over. Lane is one
+// double, Wide as many as a register of this kind of processor holds; both have the same operations,
+// which give the same bits lane by lane.
+//
+// The files that include this are compiled once per kind, with the instructions of that kind. All of
+// it is in an anonymous namespace and uses no inline function of the standard library: a function
+// shared between the objects of several kinds might be linked with instructions that the processor
+// lacks.
+#ifndef ARRLIB_OPS_KERNELS_VECTOR_H
+#define ARRLIB_OPS_KERNELS_VECTOR_H
+
+#include "ops/kernels/fused.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace arrlib {
+namespace {
+
+// 64 bits of each lane.
+struct LaneBits {
+    std::uint64_t v;
+
+    LaneBits(std::uint64_t all) : v(all) {}
+    LaneBits operator+(LaneBits o) const { return v + o.v; }
+    LaneBits operator-(LaneBits o) const { return v - o.v; }
+    LaneBits operator&(LaneBits o) const { return v & o.v; }
+    LaneBits operator|(LaneBits o) const { return v | o.v; }
+    LaneBits operator^(LaneBits o) const { return v ^ o.v; }
+    template <int Count> LaneBits up() const { return v << Count; }
+    template <int Count> LaneBits down() const { return v >> Count; }
+};
+
+struct LaneMask {
+    bool v;
+
+    LaneMask operator&(LaneMask o) const { return {v && o.v}; }
+    LaneMask operator|(LaneMask o) const { return {v || o.v}; }
+    LaneMask operator!() const { return {!v}; }
+    // Whether any lane is set; the lanes as bits.
+    bool any() const { return v; }
+    unsigned lanes() const { return v; }
+    // Lanes with a bit set in `bits`.
+    static LaneMask of(LaneBits bits) { return {bits.v != 0}; }
+};
+
+struct Lane {
+    static constexpr int count = 1;
+    using Bits = LaneBits;
+    using Mask = LaneMask;
+    double v;
+
+    // The same in all lanes.
+    Lane(double all) : v(all) {}
+    static Lane load(double const* from) { return *from; }
+    void store(double* to) const { *to = v; }
+    // The first n < count lanes; the others are 1.
+    static Lane load(double const*, int) { return 1.0; }
+    void store(double*, int) const {}
+    static Lane of(Bits bits) { return __builtin_bit_cast(double, bits.v); }
+    Bits bits() const { return __builtin_bit_cast(std::uint64_t, v); }
+
+    Lane operator+(Lane o) const { return v + o.v; }
+    Lane operator-(Lane o) const { return v - o.v; }
+    Lane operator*(Lane o) const { return v * o.v; }
+    Lane operator/(Lane o) const { return v / o.v; }
+    Lane operator-() const { return -v; }
+    Mask operator<(Lane o) const { return {v < o.v}; }
+    Mask operator<=(Lane o) const { return {v <= o.v}; }
+    Mask operator>(Lane o) const { return {v > o.v}; }
+    Mask operator>=(Lane o) const { return {v >= o.v}; }
+    Mask operator==(Lane o) const { return {v == o.v}; }
+    Mask operator!=(Lane o) const { return {!(v == o.v)}; }
+};
+
+// a b + c, rounded once.
+inline Lane fma(Lane a, Lane b, Lane c) { return fused(a.v, b.v, c.v); }
+inline Lane select(LaneMask which, Lane yes, Lane no) { return which.v ? yes : no; }
+inline Lane abs(Lane x) { return __builtin_fabs(x.v); }
+inline Lane sqrt(Lane x) { return __builtin_sqrt(x.v); }
+inline Lane floor(Lane x) { return __builtin_floor(x.v); }
+inline Lane ceil(Lane x) { return __builtin_ceil(x.v); }
+inline Lane trunc(Lane x) { return __builtin_trunc(x.v); }
+// The second one if either is NaN, or if they are equal.
+inline Lane larger(Lane x, Lane y) { return x.v > y.v ? x : y; }
+inline Lane smaller(Lane x, Lane y) { return x.v < y.v ? x : y; }
+// table[bits % Size].
+template <std::size_t Size> Lane pick(double const (&table)[Size], LaneBits at) { return table[at.v % Size]; }
+// The one or the other by the last bit.
+inline Lane pick(double even, double odd, LaneBits at)
+{
+    double const table[] = {even, odd};
+    return table[at.v % 2];
+}
+// x 2^floor(n) for n of at most 2000 in magnitude, rounded once when x is in [0.5, 4].
+inline Lane scale(Lane x, Lane n)
+{
+    auto const power = [](std::int64_t e) { return __builtin_bit_cast(double, static_cast<std::uint64_t>(e + 1023) << 52); };
+    auto all = static_cast<std::int64_t>(n.v);
+    all -= static_cast<double>(all) > n.v;
+    std::int64_t const half = all / 2;
+    return x.v * power(half) * power(all - half);
+}
+
+} // namespace
+} // namespace arrlib
+
+#if defined(__AVX512F__)
+#include "ops/kernels/vector_avx512.h"
+#elif defined(__AVX2__)
+#include "ops/kernels/vector_avx2.h"
+#else
+namespace arrlib {
+namespace {
+using Wide = Lane;
+} // namespace
+} // namespace arrlib
+#endif
+
+#endif

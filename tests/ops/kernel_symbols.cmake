@@ -1,0 +1,11 @@
+# Fails when an object of OBJECTS defines a function for other objects.
+foreach(object IN LISTS OBJECTS)
+  execute_process(COMMAND ${NM} --defined-only --extern-only ${object} OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
+  string(REGEX MATCHALL "[^\n]* [TWi] [^\n]*" shared "${symbols}")
+  if(shared)
+    message(SEND_ERROR "${object} shares: ${shared}")
+  endif()
+endforeach()
+if(NOT OBJECTS)
+  message(STATUS "There are no objects for particular processors.")
+endif()
