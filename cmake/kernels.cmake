@@ -2,7 +2,7 @@
 set(arrlib_kernel_folder ${PROJECT_SOURCE_DIR}/ops/kernels)
 set(arrlib_kernel_kinds baseline)
 
-if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64)$" AND NOT WIN32)
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64|i[3-6]86)$")
   list(APPEND arrlib_kernel_kinds avx2 avx512)
   set(arrlib_flags_avx2 -mavx2 -mfma)
   set(arrlib_flags_avx512 -mavx2 -mfma -mavx512f -mavx512dq -mavx512vl -mavx512bw)

@@ -1,46 +1,24 @@
 #include "io/text_file.h"
 
 #include "core/heap_array.h"
-#include "core/text.h"
+#include "core/sparse_build.h"
+#include "io/text_argument.h"
+#include "io/text_blocks.h"
 #include "runtime/constants.h"
 #include "runtime/number_text.h"
 
 #include <algorithm>
-#include <climits>
+#include <cstdint>
+#include <cstring>
+#include <utility>
 
 using namespace arrlib;
 
 namespace {
 
-constexpr int file_name_limit = 512;
 constexpr int file_digits = 13;
 constexpr std::size_t file_column = 23;
-
-struct FileName {
-    char text[file_name_limit + 1];
-    explicit FileName(M<double> const& value) { Mstr(value, text, file_name_limit); }
-};
-
-// The whole content of a file, freed at the end of the block.
-struct FileContent {
-    char* text = nullptr;
-    std::size_t length = 0;
-
-    FileContent() = default;
-    ~FileContent() { platform::heap_release(text); }
-    FileContent(FileContent const&) = delete;
-    FileContent& operator=(FileContent const&) = delete;
-};
-
-bool is_blank(char c)
-{
-    return c == ' ' || c == '\t' || c == '\r' || c == '\v' || c == '\f';
-}
-
-bool ends_word(char const* at, char const* end)
-{
-    return at == end || is_blank(*at) || *at == '\n';
-}
+constexpr char not_rectangular[] = "loadascii: matrix in %s is not rectangular";
 
 // The word at `at` as a number; its end, or null when it is not one.
 char const* read_word(char const* at, char const* end, double* number)
@@ -54,90 +32,145 @@ char const* read_word(char const* at, char const* end, double* number)
     return read_nonfinite(at, static_cast<std::size_t>(word_end - at), number) ? word_end : nullptr;
 }
 
-// The numbers of a text in reading order, and the shape of its lines.
-struct Table {
-    HeapArray<double> numbers;
-    std::size_t count = 0;
-    std::size_t rows = 0;
-    std::size_t cols = 0;
+// Counts the lines that hold words, and the words of the first of them.
+class ShapeCounter {
+public:
+    void take(char const* at, char const* end)
+    {
+        while (at != end) {
+            if (rows_ > 1 && in_line_) {
+                // Nothing but the end of the line is of interest.
+                auto const* const line_end = static_cast<char const*>(std::memchr(at, '\n', static_cast<std::size_t>(end - at)));
+                if (!line_end)
+                    return;
+                at = line_end;
+            }
+            if (*at == '\n') {
+                in_line_ = in_word_ = false;
+            } else if (is_blank(*at)) {
+                in_word_ = false;
+            } else {
+                rows_ += !in_line_;
+                cols_ += !in_word_ && rows_ == 1;
+                in_line_ = in_word_ = true;
+            }
+            ++at;
+        }
+    }
+    std::int64_t rows() const { return rows_; }
+    std::int64_t cols() const { return cols_; }
+
+private:
+    std::int64_t rows_ = 0, cols_ = 0;
+    bool in_line_ = false, in_word_ = false;
 };
 
-enum class Reading { done, not_rectangular, not_numbers, out_of_memory };
+// Reads the words of a text as numbers, into columns when there are some.
+class TableReader {
+public:
+    TableReader(std::int64_t rows, std::int64_t cols, double* to) : rows_(rows), cols_(cols), to_(to) {}
 
-Reading read_table(char const* text, std::size_t length, Table& table)
-{
-    char const* const end = text + length;
-    // Two characters are the least that a number takes, so this bounds the first guess.
-    table.numbers = HeapArray<double>(std::min<std::size_t>(length / 2 + 1, length / 6 + 1024));
-    if (!table.numbers)
-        return Reading::out_of_memory;
-    std::size_t in_row = 0;
-    for (char const* at = text;;) {
-        while (at != end && is_blank(*at))
-            ++at;
-        if (at == end || *at == '\n') {
-            if (in_row > 0) {
-                if (table.rows > 0 && in_row != table.cols)
-                    return Reading::not_rectangular;
-                table.cols = in_row;
-                ++table.rows;
-                in_row = 0;
+    // The message about what is wrong, or null.
+    char const* take(char const* at, char const* end)
+    {
+        while (at != end) {
+            if (is_blank(*at)) {
+                ++at;
+                continue;
             }
-            if (at == end)
-                return table.rows > 0 ? Reading::done : Reading::not_numbers;
-            ++at;
-            continue;
+            if (*at == '\n') {
+                if (col_ > 0 && col_ != cols_)
+                    return not_rectangular;
+                row_ += col_ > 0;
+                col_ = 0;
+                ++at;
+                continue;
+            }
+            double number = 0;
+            at = read_word(at, end, &number);
+            // A file that grows meanwhile has rows that were not counted.
+            if (!at || row_ == rows_)
+                return messages::could_not_read;
+            if (to_ && col_ < cols_)
+                to_[col_ * rows_ + row_] = number;
+            ++col_;
         }
-        if (table.count == table.numbers.size() && !table.numbers.grow(table.count + 1))
-            return Reading::out_of_memory;
-        at = read_word(at, end, &table.numbers[table.count]);
-        if (!at)
-            return Reading::not_numbers;
-        ++table.count;
-        ++in_row;
+        return nullptr;
     }
-}
+    char const* finish()
+    {
+        constexpr char line_end[] = "\n";
+        char const* const problem = take(line_end, line_end + 1);
+        return problem ? problem : row_ == rows_ && row_ > 0 ? nullptr : messages::could_not_read;
+    }
 
-// Lines are read along rows and stored along columns; blocks of rows keep both in the cache.
-void store_columns(Table const& table, double* to)
-{
-    constexpr std::size_t block = 64;
-    for (std::size_t row0 = 0; row0 < table.rows; row0 += block)
-        for (std::size_t col = 0; col < table.cols; ++col)
-            for (std::size_t row = row0; row < std::min(row0 + block, table.rows); ++row)
-                to[col * table.rows + row] = table.numbers[row * table.cols + col];
-}
+private:
+    std::int64_t rows_, cols_, row_ = 0, col_ = 0;
+    double* to_;
+};
 
-M<double> full_form(M<double> const& matrix)
-{
-    M<double> full_matrix = matrix;
-    if (full_matrix.issparse())
-        full_matrix.getfull();
-    return full_matrix;
-}
+// Numbers as lines of text on their way to a file.
+class LineWriter {
+public:
+    LineWriter(platform::FileWriter& file, HeapArray<char>& buffer) : file_(file), buffer_(buffer) {}
 
-// Appends the text of one matrix; false when the memory for it could not be had.
-bool append_rows(M<double> const& matrix, HeapArray<char>& text, std::size_t& length)
-{
-    M<double> const x = full_form(matrix);
-    if (x.issparse()) // the full form could not be had
-        return false;
-    if (x.size() < 1)
+    bool number(double x)
+    {
+        if (buffer_.size() - used_ < number_text_size && !flush())
+            return false;
+        used_ += write_aligned(buffer_.data() + used_, x, file_digits, file_column);
         return true;
-    auto const rows = static_cast<std::size_t>(x.rows()), cols = static_cast<std::size_t>(x.cols());
-    auto const pages = static_cast<std::size_t>(x.size()) / (rows * cols);
-    std::size_t const line = cols * (file_column + 1) + 1;
-    if (line > (static_cast<std::size_t>(-1) / 2 - length) / (rows * pages) || !text.grow(length + rows * pages * line + number_text_size))
-        return false;
-    char* out = text.data() + length;
+    }
+    bool end_line()
+    {
+        if (used_ == buffer_.size() && !flush())
+            return false;
+        buffer_[used_++] = '\n';
+        return true;
+    }
+    bool flush() { return file_.write(buffer_.data(), std::exchange(used_, 0)); }
+
+private:
+    platform::FileWriter& file_;
+    HeapArray<char>& buffer_;
+    std::size_t used_ = 0;
+};
+
+bool write_full(M<double> const& matrix, LineWriter& to)
+{
+    auto const rows = static_cast<std::size_t>(matrix.rows()), cols = static_cast<std::size_t>(matrix.cols());
+    auto const pages = static_cast<std::size_t>(matrix.size()) / (rows * cols);
     for (std::size_t page = 0; page < pages; ++page)
         for (std::size_t row = 0; row < rows; ++row) {
-            double const* element = x.addr() + page * rows * cols + row;
+            double const* element = matrix.addr() + page * rows * cols + row;
             for (std::size_t col = 0; col < cols; ++col, element += rows)
-                out += write_aligned(out, *element, file_digits, file_column);
-            *out++ = '\n';
+                if (!to.number(*element))
+                    return false;
+            if (!to.end_line())
+                return false;
         }
-    length = static_cast<std::size_t>(out - text.data());
+    return true;
+}
+
+// `next` has room for the entry that is next in every column.
+bool write_sparse(M<double> const& matrix, HeapArray<int>& next, LineWriter& to)
+{
+    int const rows = matrix.rows(), cols = matrix.cols(), stored = matrix.getnnz();
+    int const* const index = Access<double>::index(matrix);
+    for (int page = 0; page < matrix.size(); page += rows * cols) {
+        for (int col = 0; col < cols; ++col)
+            next[static_cast<std::size_t>(col)] = first_entry_from(index, stored, page + col * rows);
+        for (int row = 0; row < rows; ++row) {
+            for (int col = 0; col < cols; ++col) {
+                int& entry = next[static_cast<std::size_t>(col)];
+                bool const here = entry < stored && index[entry] == page + col * rows + row;
+                if (!to.number(here ? matrix.addr()[entry++] : 0))
+                    return false;
+            }
+            if (!to.end_line())
+                return false;
+        }
+    }
     return true;
 }
 
@@ -146,60 +179,68 @@ bool append_rows(M<double> const& matrix, HeapArray<char>& text, std::size_t& le
 M<double> loadascii(M<double> const& filename, Mr<double> m)
 {
     FileName const name(filename);
-    FileContent content;
-    Table table;
-    char const* problem = nullptr;
-    switch (platform::read_file(name.text, &content.text, &content.length)) {
-    case platform::ReadResult::not_found:
-        problem = "loadascii: %s not found";
-        break;
-    case platform::ReadResult::not_read:
+    TextBlocks blocks(name);
+    ShapeCounter shape;
+    blocks.each([&shape](char const* at, char const* end) {
+        shape.take(at, end);
+        return true;
+    });
+    char const* problem = blocks.found() ? blocks.problem() : "loadascii: %s not found";
+    if (!problem && shape.rows() == 0)
         problem = messages::could_not_read;
-        break;
-    case platform::ReadResult::out_of_memory:
+    if (problem) {
+        error(problem, name);
+        return x_M;
+    }
+    // A number takes two bytes at least. Lines that would need more than there are cannot be of one
+    // length; where they differ is for the reader to find.
+    bool const fits = shape.cols() <= blocks.length() && shape.rows() <= (blocks.length() / 2 + 1) / shape.cols();
+    M<double> read = Access<double>::without_storage();
+    if (fits && shape.rows() * shape.cols() > most_elements)
         problem = messages::out_of_memory;
-        break;
-    case platform::ReadResult::done:
-        switch (read_table(content.text, content.length, table)) {
-        case Reading::not_rectangular:
-            problem = "loadascii: matrix in %s is not rectangular";
-            break;
-        case Reading::not_numbers:
-            problem = messages::could_not_read;
-            break;
-        case Reading::out_of_memory: // reported where it happened
-            return x_M;
-        case Reading::done:
-            break;
-        }
+    else if (fits && (read = M<double>(0, static_cast<int>(shape.rows()), static_cast<int>(shape.cols()))).size() < 1)
+        return x_M; // reported where it happened
+    if (!problem) {
+        TableReader table(shape.rows(), shape.cols(), read.addr());
+        blocks.each([&](char const* at, char const* end) {
+            problem = table.take(at, end);
+            return !problem;
+        });
+        problem = problem ? problem : blocks.problem() ? blocks.problem() : table.finish();
     }
     if (problem) {
-        error(problem, name.text);
+        error(problem, name);
         return x_M;
     }
-    if (table.rows > INT_MAX || table.cols > INT_MAX) {
-        error(messages::out_of_memory);
-        return x_M;
-    }
-    M<double> read(0, static_cast<int>(table.rows), static_cast<int>(table.cols));
-    if (read.size() < 1) // reported where it happened
-        return x_M;
-    store_columns(table, read.addr());
     m = read;
     return x_M;
 }
 
 M<double> saveascii_list(M<double> const& filename, M<double> const* const* matrices, int count)
 {
+    constexpr std::size_t buffer_size = 65536;
     FileName const name(filename);
-    HeapArray<char> text(4096);
-    std::size_t length = 0;
-    if (!text)
-        return x_M;
+    // All memory is taken before there is a file: running out of it leaves nothing behind.
+    std::size_t widest = 0;
     for (int k = 0; k < count; ++k)
-        if (!append_rows(*matrices[k], text, length))
-            return x_M;
-    if (platform::write_file(name.text, text.data(), length) != platform::WriteResult::done)
-        error(messages::could_not_write, name.text);
+        if (matrices[k]->issparse())
+            widest = std::max(widest, static_cast<std::size_t>(matrices[k]->cols()));
+    HeapArray<char> buffer(buffer_size);
+    if (!buffer)
+        return x_M;
+    HeapArray<int> next(widest);
+    if (!next)
+        return x_M;
+    platform::FileWriter file;
+    bool written = file.create(name);
+    LineWriter lines(file, buffer);
+    for (int k = 0; written && k < count; ++k)
+        if (matrices[k]->size() > 0)
+            written = matrices[k]->issparse() ? write_sparse(*matrices[k], next, lines) : write_full(*matrices[k], lines);
+    written = written && lines.flush() && file.commit();
+    if (!written) {
+        file.abandon();
+        error(messages::could_not_write, name);
+    }
     return x_M;
 }

@@ -2,7 +2,7 @@
 #ifndef ARRLIB_IO_TEXT_FILE_H
 #define ARRLIB_IO_TEXT_FILE_H
 
-#include "core/subscript.h"
+#include "io/value_list.h"
 
 // Reads one matrix. The lines must hold the same count of numbers; blank lines are passed over, and
 // the spellings of NaN and infinities of displays and of C libraries are accepted. The output stays
@@ -16,8 +16,7 @@ ARRLIB_API M<double> loadascii(M<double> const& filename, Mr<double> m);
 ARRLIB_API M<double> saveascii_list(M<double> const& filename, M<double> const* const* matrices, int count);
 template <class... Matrices> M<double> saveascii(M<double> const& filename, M<double> const& first, Matrices const&... others)
 {
-    M<double> const* const matrices[] = {&first, &static_cast<M<double> const&>(others)...};
-    return saveascii_list(filename, matrices, static_cast<int>(sizeof...(others)) + 1);
+    return arrlib::call_with_list<M<double>, Matrices...>(saveascii_list, filename, first, others...);
 }
 
 #endif

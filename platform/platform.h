@@ -71,10 +71,36 @@ void home_console_cursor();
 
 // --- files --------------------------------------------------------------------------------------
 
-// Writes the content to `path`, whole or not at all: a regular file is written beside it under a
-// name of its own, flushed and renamed; anything else (a device, a pipe) is written directly.
-enum class WriteResult { done, not_created, not_written };
-WriteResult write_file(char const* path, char const* content, std::size_t length);
+// Writes a file piece by piece, whole or not at all: a regular file is written beside the old one under
+// a name of its own, flushed and renamed by commit(); anything else (a device, a pipe) is written
+// directly, and so is a file in a folder that takes no new ones. Without a commit that succeeds the old
+// file stays.
+class FileWriter {
+public:
+    FileWriter() = default;
+    ~FileWriter() { abandon(); }
+    FileWriter(FileWriter const&) = delete;
+    FileWriter& operator=(FileWriter const&) = delete;
+
+    // All false on failure.
+    bool create(char const* path);
+    bool write(void const* content, std::size_t length);
+    bool commit();
+    // Closes the file and removes what has been written beside the old one: before a report, which may
+    // end the process.
+    void abandon();
+
+private:
+    static constexpr std::size_t longest_path = 4096;
+
+    bool create_in_place();
+    bool create_beside();
+
+    std::intptr_t file_ = -1;
+    char target_[longest_path] = "";
+    // Empty when the target is written directly.
+    char beside_[longest_path] = "";
+};
 
 // Reads a whole file into a block of the library's heap, with a zero byte behind it.
 enum class ReadResult { done, not_found, not_read, out_of_memory };

@@ -325,48 +325,75 @@ bool write_all(int descriptor, char const* content, std::size_t length)
     return true;
 }
 
-WriteResult write_in_place(char const* path, char const* content, std::size_t length)
-{
-    Descriptor file(open(path, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
-    if (file.get() < 0)
-        return WriteResult::not_created;
-    return write_all(file.get(), content, length) && file.close() ? WriteResult::done : WriteResult::not_written;
-}
-
 } // namespace
 
-WriteResult write_file(char const* path, char const* content, std::size_t length)
+bool FileWriter::create_in_place()
 {
+    file_ = open(target_, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    return file_ >= 0;
+}
+
+bool FileWriter::create_beside()
+{
+    int const size = std::snprintf(beside_, sizeof beside_, "%s.XXXXXX", target_);
+    file_ = size > 0 && static_cast<std::size_t>(size) < sizeof beside_ ? mkostemp(beside_, O_CLOEXEC) : -1;
+    if (file_ < 0)
+        beside_[0] = '\0';
+    return file_ >= 0;
+}
+
+bool FileWriter::create(char const* path)
+{
+    abandon();
     struct stat found = {};
-    bool const exists = stat(path, &found) == 0;
-    if (exists && !S_ISREG(found.st_mode))
-        return write_in_place(path, content, length);
-    if (exists && access(path, W_OK) != 0)
-        return WriteResult::not_created;
-    // A link keeps pointing at its file: the file is what is replaced.
-    char* const target = exists ? realpath(path, nullptr) : strdup(path);
-    if (!target)
-        return WriteResult::not_created;
-    char beside[4096];
-    int const size = std::snprintf(beside, sizeof beside, "%s.XXXXXX", target);
-    int const descriptor = size > 0 && static_cast<std::size_t>(size) < sizeof beside ? mkostemp(beside, O_CLOEXEC) : -1;
-    WriteResult result = WriteResult::not_written;
-    if (descriptor < 0) {
-        // No room for a second file in that folder: the only one left is the file itself.
-        result = write_in_place(target, content, length);
+    bool const exists = stat(path, &found) == 0, regular = exists && S_ISREG(found.st_mode);
+    if (regular) {
+        // A link keeps pointing at its file: the file is what is replaced.
+        if (access(path, W_OK) != 0 || !realpath(path, target_))
+            return false;
     } else {
-        Descriptor file(descriptor);
-        mode_t const mask = umask(0);
-        umask(mask);
-        fchmod(file.get(), exists ? found.st_mode & 07777 : 0666 & ~mask);
-        bool const written = write_all(file.get(), content, length) && fsync(file.get()) == 0 && file.close();
-        if (written && std::rename(beside, target) == 0)
-            result = WriteResult::done;
-        else
-            unlink(beside);
+        int const size = std::snprintf(target_, sizeof target_, "%s", path);
+        if (size < 0 || static_cast<std::size_t>(size) >= sizeof target_)
+            return false;
     }
-    std::free(target);
-    return result;
+    // No room for a second file in that folder: the only one left is the file itself.
+    if ((exists && !regular) || !create_beside())
+        return create_in_place();
+    mode_t const mask = umask(0);
+    umask(mask);
+    fchmod(static_cast<int>(file_), exists ? found.st_mode & 07777 : 0666 & ~mask);
+    return true;
+}
+
+bool FileWriter::write(void const* content, std::size_t length)
+{
+    return file_ >= 0 && write_all(static_cast<int>(file_), static_cast<char const*>(content), length);
+}
+
+bool FileWriter::commit()
+{
+    if (file_ < 0)
+        return false;
+    int const file = static_cast<int>(file_);
+    bool done = !beside_[0] || fsync(file) == 0;
+    file_ = -1;
+    done = close(file) == 0 && done;
+    done = done && (!beside_[0] || std::rename(beside_, target_) == 0);
+    if (done)
+        beside_[0] = '\0';
+    else
+        abandon();
+    return done;
+}
+
+void FileWriter::abandon()
+{
+    if (file_ >= 0)
+        close(static_cast<int>(file_));
+    file_ = -1;
+    if (beside_[0])
+        unlink(beside_);
+    beside_[0] = '\0';
 }
 
 ReadResult read_file(char const* path, char** content, std::size_t* length)

@@ -231,44 +231,6 @@ void home_console_cursor()
 
 namespace {
 
-// Creates a file that nobody else has, under a name beside `path`.
-HANDLE create_beside(char const* path, char* name, std::size_t capacity)
-{
-    constexpr int attempts = 100;
-    for (int k = 0; k < attempts; ++k) {
-        int const size = std::snprintf(name, capacity, "%s.%lu-%d", path, GetCurrentProcessId(), k);
-        if (size < 0 || static_cast<std::size_t>(size) >= capacity)
-            break;
-        HANDLE const file = CreateFileA(name, GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
-        if (file != INVALID_HANDLE_VALUE || GetLastError() != ERROR_FILE_EXISTS)
-            return file;
-    }
-    return INVALID_HANDLE_VALUE;
-}
-
-WriteResult write_in_place(char const* path, char const* content, std::size_t length)
-{
-    Handle file(CreateFileA(path, GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (!file)
-        return WriteResult::not_created;
-    return write_all(file.get(), content, length) && file.close() ? WriteResult::done : WriteResult::not_written;
-}
-
-WriteResult write_beside(char const* path, char const* content, std::size_t length)
-{
-    char name[4096];
-    Handle file(create_beside(path, name, sizeof name));
-    // No room for a second file in that folder: the only one left is the file itself.
-    if (!file)
-        return write_in_place(path, content, length);
-    bool const written = write_all(file.get(), content, length) && FlushFileBuffers(file.get()) && file.close();
-    if (written && MoveFileExA(name, path, MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
-        return WriteResult::done;
-    file.close();
-    DeleteFileA(name);
-    return WriteResult::not_written;
-}
-
 // Fills `room`; false when the file cannot be read. A pipe whose writer has gone is at its end.
 bool read_piece(HANDLE file, char* to, std::size_t room, std::size_t* got)
 {
@@ -302,15 +264,77 @@ std::size_t first_capacity(HANDLE file)
 
 } // namespace
 
-WriteResult write_file(char const* path, char const* content, std::size_t length)
+static HANDLE writer_handle(std::intptr_t file)
 {
+    return reinterpret_cast<HANDLE>(file);
+}
+
+bool FileWriter::create_in_place()
+{
+    file_ = reinterpret_cast<std::intptr_t>(CreateFileA(target_, GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    return file_ != -1;
+}
+
+// A file that nobody else has.
+bool FileWriter::create_beside()
+{
+    constexpr int attempts = 100;
+    for (int k = 0; k < attempts && file_ == -1; ++k) {
+        int const size = std::snprintf(beside_, sizeof beside_, "%s.%lu-%d", target_, GetCurrentProcessId(), k);
+        if (size < 0 || static_cast<std::size_t>(size) >= sizeof beside_)
+            break;
+        file_ = reinterpret_cast<std::intptr_t>(CreateFileA(beside_, GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
+        if (file_ == -1 && GetLastError() != ERROR_FILE_EXISTS)
+            break;
+    }
+    if (file_ == -1)
+        beside_[0] = '\0';
+    return file_ != -1;
+}
+
+bool FileWriter::create(char const* path)
+{
+    abandon();
+    int const size = std::snprintf(target_, sizeof target_, "%s", path);
+    if (size < 0 || static_cast<std::size_t>(size) >= sizeof target_)
+        return false;
     Handle existing(CreateFileA(path, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr));
     if (!existing && GetLastError() != ERROR_FILE_NOT_FOUND)
-        return WriteResult::not_created;
-    if (existing && GetFileType(existing.get()) != FILE_TYPE_DISK)
-        return write_all(existing.get(), content, length) ? WriteResult::done : WriteResult::not_written;
+        return false;
+    bool const device = existing && GetFileType(existing.get()) != FILE_TYPE_DISK;
     existing.close();
-    return write_beside(path, content, length);
+    // No room for a second file in that folder: the only one left is the file itself.
+    return (!device && create_beside()) || create_in_place();
+}
+
+bool FileWriter::write(void const* content, std::size_t length)
+{
+    return file_ != -1 && write_all(writer_handle(file_), static_cast<char const*>(content), length);
+}
+
+bool FileWriter::commit()
+{
+    if (file_ == -1)
+        return false;
+    bool done = !beside_[0] || FlushFileBuffers(writer_handle(file_));
+    done = CloseHandle(writer_handle(file_)) && done;
+    file_ = -1;
+    done = done && (!beside_[0] || MoveFileExA(beside_, target_, MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH));
+    if (done)
+        beside_[0] = '\0';
+    else
+        abandon();
+    return done;
+}
+
+void FileWriter::abandon()
+{
+    if (file_ != -1)
+        CloseHandle(writer_handle(file_));
+    file_ = -1;
+    if (beside_[0])
+        DeleteFileA(beside_);
+    beside_[0] = '\0';
 }
 
 ReadResult read_file(char const* path, char** content, std::size_t* length)

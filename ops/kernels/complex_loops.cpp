@@ -143,34 +143,15 @@ template <ComplexBinary f> void mend(Numbers x, Numbers y, Block& z, int n)
 
 // --- arithmetic ----------------------------------------------------------------------------------
 
-struct Plus {
-    static void fill(Numbers x, Numbers y, Block& z, int n)
-    {
-        for (int k = 0; k < n; ++k)
-            z.re[k] = x.re[k] + y.re[k];
-        if (x.im && y.im)
-            for (int k = 0; k < n; ++k)
-                z.im[k] = x.im[k] + y.im[k];
-        else
-            std::copy_n(x.im ? x.im : y.im ? y.im : zeros, n, z.im);
-    }
-};
-
-struct Minus {
-    static void fill(Numbers x, Numbers y, Block& z, int n)
-    {
-        for (int k = 0; k < n; ++k)
-            z.re[k] = x.re[k] - y.re[k];
-        if (x.im && y.im)
-            for (int k = 0; k < n; ++k)
-                z.im[k] = x.im[k] - y.im[k];
-        else if (y.im)
-            for (int k = 0; k < n; ++k)
-                z.im[k] = -y.im[k];
-        else
-            std::copy_n(x.im ? x.im : zeros, n, z.im);
-    }
-};
+// Sums and differences are those of the parts.
+template <OpCode op> void by_parts(ComplexOperand x, ComplexOperand y, double* re, double* im, std::ptrdiff_t n)
+{
+    static constexpr double zero = 0;
+    RealLoop const loop = kernel_set().real[op];
+    auto const imaginary = [](ComplexOperand of) { return of.im ? RealOperand{of.im, of.step} : RealOperand{&zero, 0}; };
+    loop({x.re, x.step}, {y.re, y.step}, re, n);
+    loop(imaginary(x), imaginary(y), im, n);
+}
 
 struct Times {
     static void fill(Numbers x, Numbers y, Block& z, int n)
@@ -228,26 +209,17 @@ struct LeftDivide {
     static void fill(Numbers x, Numbers y, Block& z, int n) { RightDivide::fill(y, x, z, n); }
 };
 
-struct UnaryMinus {
-    static nx_complex one(nx_complex x) { return nx_uminus(x); }
-    static void fill(Numbers x, Block& z, int n)
-    {
-        for (int k = 0; k < n; ++k) {
-            z.re[k] = -x.re[k];
-            z.im[k] = -x.im[k];
-        }
-    }
-};
+void negate(ComplexOperand x, ComplexOperand, double* re, double* im, std::ptrdiff_t n)
+{
+    by_parts<op_uminus>(x, {nullptr, nullptr, 0}, re, im, n);
+}
 
-struct Conjugate {
-    static nx_complex one(nx_complex x) { return nx_conj(x); }
-    static void fill(Numbers x, Block& z, int n)
-    {
-        std::copy_n(x.re, n, z.re);
-        for (int k = 0; k < n; ++k)
-            z.im[k] = -x.im[k];
-    }
-};
+void conjugate(ComplexOperand x, ComplexOperand, double* re, double* im, std::ptrdiff_t n)
+{
+    static constexpr double zero = 0;
+    kernel_set().real[op_uplus]({x.re, x.step}, {}, re, n);
+    kernel_set().real[op_uminus](x.im ? RealOperand{x.im, x.step} : RealOperand{&zero, 0}, {}, im, n);
+}
 
 struct Modulus {
     static nx_complex one(nx_complex x) { return {nx_abs(x), 0}; }
@@ -389,18 +361,24 @@ struct SquareRoot {
     }
 };
 
+void times(ComplexOperand x, ComplexOperand y, double* re, double* im, std::ptrdiff_t n)
+{
+    ComplexLoop const best = kernel_set().complex[op_times];
+    (best && x.im && y.im ? best : binary<Times>)(x, y, re, im, n);
+}
+
 struct Row {
     OpCode op;
     ComplexLoop loop;
 };
 constexpr Row rows[] = {
-    {op_plus, binary<Plus>},
-    {op_minus, binary<Minus>},
-    {op_times, binary<Times>},
+    {op_plus, by_parts<op_plus>},
+    {op_minus, by_parts<op_minus>},
+    {op_times, times},
     {op_rdivide, binary<RightDivide>},
     {op_ldivide, binary<LeftDivide>},
-    {op_uminus, unary<UnaryMinus>},
-    {op_conj, unary<Conjugate>},
+    {op_uminus, negate},
+    {op_conj, conjugate},
     {op_abs, unary<Modulus>},
     {op_angle, unary<AngleOf>},
     {op_exp, unary<Exponential>},

@@ -116,10 +116,10 @@ constexpr double asin_terms[] = {
     0x1.1c4d343f9b3dap-6, 0x1.c9cf375b384c4p-7, 0x1.78246f26714e7p-7, 0x1.524ea90672513p-7, 0x1.653a8cb371a44p-8,
     0x1.1d66172e09a15p-6, -0x1.e7a255ac8946p-7, 0x1.d7818bacb1c56p-6,
 };
-// (sinh(x)/x - 1)/x^2 by powers of x^2, for |x| up to 1.
+// (sinh(x)/x - 1)/x^2 by powers of x^2, for |x| up to 1/2.
 constexpr double sinh_terms[] = {
-    0x1.5555555555555p-3, 0x1.11111111110fdp-7, 0x1.a01a01a01ee7p-13, 0x1.71de3a4e14f4p-19, 0x1.ae6460fae3728p-26,
-    0x1.611cb330c1fe8p-33, 0x1.b41232cf9950fp-41,
+    0x1.5555555555555p-3, 0x1.111111111112p-7, 0x1.a01a01a00ef0fp-13, 0x1.71de3a84a10c3p-19, 0x1.ae63a07779c78p-26,
+    0x1.6267cf434f12cp-33,
 };
 // (tanh(x)/x - 1)/x^2 by powers of x^2, for |x| up to 1/2.
 constexpr double tanh_terms[] = {

@@ -72,7 +72,7 @@ template <class V> Exponential<V> half_sum(V x, double sign)
     return {e.significand + Pair<V>{inverse.hi * factor, inverse.lo * factor}, whole - V(1.0)};
 }
 
-// sinh(x) for 0 <= x < 1.
+// sinh(x) for 0 <= x < 1/2.
 template <class V> Pair<V> small_sinh(V x)
 {
     V const square = x * x;
@@ -81,7 +81,7 @@ template <class V> Pair<V> small_sinh(V x)
 template <class V> Exponential<V> sinh_parts(V x)
 {
     Exponential<V> const far = half_sum(x, -1);
-    typename V::Mask const small = x < V(1.0);
+    typename V::Mask const small = x < V(0.5);
     return {select(small, small_sinh(x), far.significand), select(small, V(0.0), far.exponent)};
 }
 

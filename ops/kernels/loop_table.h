@@ -5,6 +5,7 @@
 #include "ops/kernels/kernel_set.h"
 #include "ops/kernels/loop_arithmetic.h"
 #include "ops/kernels/loop_atan.h"
+#include "ops/kernels/loop_complex.h"
 #include "ops/kernels/loop_power.h"
 #include "ops/kernels/loop_trig.h"
 #include "ops/kernels/loops.h"
@@ -80,6 +81,8 @@ constexpr KernelSet kernels_of_this_kind(char const* kind)
     set.real[op_and] = binary_loop<And>;
     set.real[op_or] = binary_loop<Or>;
     set.real[op_xor] = binary_loop<Xor>;
+
+    set.complex[op_times] = complex_times_loop;
 
     set.real[op_uminus] = unary_loop<UnaryMinus>;
     set.real[op_uplus] = unary_loop<UnaryPlus>;

@@ -144,7 +144,7 @@ def constants():
     number("tan_eighth_pi", mpmath.tan(pi / 8))
     array("(atan(x)/x - 1)/x^2 by powers of x^2, for |x| up to tan(pi/8).", "atan_terms", odd_fit(mpmath.atan, mpmath.tan(pi / 8) * 1.0001, 11))
     array("(asin(x)/x - 1)/x^2 by powers of x^2, for |x| up to 1/2.", "asin_terms", odd_fit(mpmath.asin, 0.5001, 13))
-    array("(sinh(x)/x - 1)/x^2 by powers of x^2, for |x| up to 1.", "sinh_terms", odd_fit(mpmath.sinh, 1, 7))
+    array("(sinh(x)/x - 1)/x^2 by powers of x^2, for |x| up to 1/2.", "sinh_terms", odd_fit(mpmath.sinh, 0.5, 6))
     array("(tanh(x)/x - 1)/x^2 by powers of x^2, for |x| up to 1/2.", "tanh_terms", odd_fit(mpmath.tanh, 0.5, 11))
 
     print("// The bits of 2/pi behind the binary point, 32 to a word, most significant first.")
@@ -184,7 +184,7 @@ TURNS = [(-4, 4), (-3e3, 3e3), (20, 1024, POWERS), (-30, 2, POWERS)]
 ARCS = [(-1, 1), (0.4, 0.6), (-0.6, -0.4), (0.99, 1), (-30, 0, POWERS)]
 FAR_ARCS = [(1, 2.5), (-2.5, -1), (1, 1.001), (0, 1024, POWERS)]
 LOGS = [(0, 2), (0.9, 1.1), (-1074, -1000, POWERS), (-1022, 1024, POWERS)]
-HYPERBOLIC = [(-3, 3), (0.4, 1.1), (-30, 30), (-700, 700), (-1074, 0, POWERS)]
+HYPERBOLIC = [(-3, 3), (0.4, 0.6), (-30, 30), (-700, 700), (-1074, 0, POWERS)]
 
 UNARY = {
     "acos": (mpmath.acos, ARCS, [0, 0.5, -0.5, 1, -1]),
