@@ -19,6 +19,7 @@
 #include "core/sparse.h"
 #include "core/subscript.h"
 #include "core/text.h"
+#include "io/data_file.h"
 #include "io/files.h"
 #include "io/print.h"
 #include "io/shell.h"

@@ -5,6 +5,7 @@ import tempfile
 import time
 
 import numpy as np
+import scipy.io
 import scipy.sparse as sp
 
 
@@ -20,6 +21,27 @@ def best(work, repeats=5):
 def load_text():
     name = os.path.join(tempfile.gettempdir(), "arrlib_bench_numbers.txt")
     return best(lambda: np.loadtxt(name), 2) if os.path.exists(name) else None
+
+
+def save_text():
+    name = os.path.join(tempfile.gettempdir(), "arrlib_bench_numpy.txt")
+    numbers = np.asfortranarray(np.random.default_rng(3).random((100000, 10)))
+    seconds = best(lambda: np.savetxt(name, numbers, "%23.13g"), 2)
+    os.remove(name)
+    return seconds
+
+
+def save_data():
+    name = os.path.join(tempfile.gettempdir(), "arrlib_bench_scipy.mat")
+    numbers = np.asfortranarray(np.random.default_rng(3).random((4000, 3000)))
+    seconds = best(lambda: scipy.io.savemat(name, {"x": numbers}), 3)
+    os.remove(name)
+    return seconds
+
+
+def load_data():
+    name = os.path.join(tempfile.gettempdir(), "arrlib_bench_data.mat")
+    return best(lambda: scipy.io.loadmat(name), 3) if os.path.exists(name) else None
 
 
 random = np.random.default_rng(1)
@@ -108,7 +130,38 @@ def thousand_draws():
         random.random()
 
 
+numbers = random.random(1000000)
+integers = random.integers(0, 1000000, 1000000).tolist()
+
+
+def scan_numbers():
+    text = ("%g\n" * numbers.size) % tuple(numbers)
+    return best(lambda: list(map(float, text.split())), 3)
+
+
+def read_doubles(kind):
+    name = os.path.join(tempfile.gettempdir(), "arrlib_bench_numpy.bin")
+    line.astype(kind).tofile(name)
+    seconds = best(lambda: np.fromfile(name, kind).astype(float, copy=False), 3)
+    os.remove(name)
+    return seconds
+
+
+def write_doubles(kind):
+    name = os.path.join(tempfile.gettempdir(), "arrlib_bench_numpy.bin")
+    seconds = best(lambda: line.astype(kind, copy=False).tofile(name), 3)
+    os.remove(name)
+    return seconds
+
+
 rows = {
+    "sprintf('%d,') of 1e6": lambda: best(lambda: ("%d," * len(integers)) % tuple(integers), 3),
+    "fprintf('%g\\n') of 1e6": lambda: best(lambda: ("%g\n" * numbers.size) % tuple(numbers), 3),
+    "fscanf('%g') of 1e6": scan_numbers,
+    "fread of 1e7 doubles": lambda: read_doubles("<f8"),
+    "fread of 1e7 big-endian doubles": lambda: read_doubles(">f8"),
+    "fwrite of 1e7 doubles": lambda: write_doubles("<f8"),
+    "fwrite of 1e7 big-endian doubles": lambda: write_doubles(">f8"),
     "rand 1e7": lambda: best(lambda: random.random(10000000)),
     "randn 1e7": lambda: best(lambda: random.standard_normal(10000000)),
     "ones 1e7": lambda: best(lambda: np.ones(10000000)),
@@ -147,6 +200,9 @@ rows = {
     "[a b c d] of scalars": lambda: best(lambda: [np.array([1.0, 2.0, 3.0, 4.0]) for _ in range(1000)]) / 1000,
     "join 1e4 short strings one by one": lambda: best(join_texts, 1),
     "load a text file of 1e6 numbers": load_text,
+    "save a text file of 1e6 numbers": save_text,
+    "data file: save 96 MB": save_data,
+    "data file: load 96 MB": load_data,
     "append 1e5 elements one by one": lambda: best(append_loop, 1),
     "transpose 4000x4000": lambda: best(lambda: np.asfortranarray(big.T), 3),
     "sparse from 1e6 triplets, 10000x10000": lambda: best(
@@ -156,7 +212,7 @@ rows = {
     "sparse [A B], 1e6 entries each": lambda: best(lambda: sp.hstack([sparse, other], format="csc"), 3),
     "sparse [A;B], 1e6 entries each": lambda: best(lambda: sp.vstack([sparse, other], format="csc"), 3),
 }
-implementations = {"sparse": "SciPy", "1e5": "SciPy"}
+implementations = {"sprintf('%d,')": "Python", "fprintf('%g\\n')": "Python", "fscanf('%g')": "Python", "sparse": "SciPy", "data": "SciPy", "1e5": "SciPy"}
 for row, run in rows.items():
     if len(sys.argv) > 1 and sys.argv[1] not in row:
         continue

@@ -2,6 +2,12 @@
 set(arrlib_kernel_folder ${PROJECT_SOURCE_DIR}/ops/kernels)
 set(arrlib_kernel_kinds baseline)
 
+# Formulas are inlined whole, and checks of integer arithmetic in each of them take minutes to compile.
+if(ARRLIB_SANITIZE MATCHES undefined)
+  set(arrlib_kernel_checks -O1 -fno-sanitize=undefined)
+endif()
+set_source_files_properties(${arrlib_kernel_folder}/kernels_baseline.cpp PROPERTIES COMPILE_OPTIONS "${arrlib_kernel_checks}")
+
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64|i[3-6]86)$")
   list(APPEND arrlib_kernel_kinds avx2 avx512)
   set(arrlib_flags_avx2 -mavx2 -mfma)
@@ -9,7 +15,7 @@ if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64|i[3-6]86)$")
   set_source_files_properties(${arrlib_kernel_folder}/kernel_set.cpp PROPERTIES COMPILE_DEFINITIONS ARRLIB_X86_KERNELS)
   foreach(kind avx2 avx512)
     set_source_files_properties(${arrlib_kernel_folder}/kernels_${kind}.cpp PROPERTIES
-      COMPILE_DEFINITIONS ARRLIB_X86_KERNELS COMPILE_OPTIONS "${arrlib_flags_${kind}}")
+      COMPILE_DEFINITIONS ARRLIB_X86_KERNELS COMPILE_OPTIONS "${arrlib_flags_${kind}};${arrlib_kernel_checks}")
   endforeach()
 endif()
 

@@ -2,6 +2,7 @@
 
 #include "core/heap_array.h"
 #include "core/sparse_build.h"
+#include "io/short_decimal.h"
 #include "io/text_argument.h"
 #include "io/text_blocks.h"
 #include "runtime/constants.h"
@@ -18,6 +19,8 @@ namespace {
 
 constexpr int file_digits = 13;
 constexpr std::size_t file_column = 23;
+// What reading may end with besides a message: more lines than expected, and what has been reported.
+constexpr char more_lines[] = "more lines", reported[] = "reported";
 constexpr char not_rectangular[] = "loadascii: matrix in %s is not rectangular";
 
 // The word at `at` as a number; its end, or null when it is not one.
@@ -73,24 +76,26 @@ public:
     // The message about what is wrong, or null.
     char const* take(char const* at, char const* end)
     {
-        while (at != end) {
-            if (is_blank(*at)) {
+        while ((at = skip_spaces(at, end)) != end) {
+            double number = 0;
+            std::size_t const length = read_short_decimal(at, end, &number);
+            if (length > 0) {
+                at += length;
+            } else if (is_blank(*at)) {
                 ++at;
                 continue;
-            }
-            if (*at == '\n') {
+            } else if (*at == '\n') {
                 if (col_ > 0 && col_ != cols_)
                     return not_rectangular;
                 row_ += col_ > 0;
                 col_ = 0;
                 ++at;
                 continue;
-            }
-            double number = 0;
-            at = read_word(at, end, &number);
-            // A file that grows meanwhile has rows that were not counted.
-            if (!at || row_ == rows_)
+            } else if (!(at = read_word(at, end, &number))) {
                 return messages::could_not_read;
+            }
+            if (row_ == rows_)
+                return more_lines;
             if (to_ && col_ < cols_)
                 to_[col_ * rows_ + row_] = number;
             ++col_;
@@ -100,14 +105,59 @@ public:
     char const* finish()
     {
         constexpr char line_end[] = "\n";
-        char const* const problem = take(line_end, line_end + 1);
-        return problem ? problem : row_ == rows_ && row_ > 0 ? nullptr : messages::could_not_read;
+        return take(line_end, line_end + 1);
     }
+    std::int64_t rows() const { return row_; }
 
 private:
     std::int64_t rows_, cols_, row_ = 0, col_ = 0;
     double* to_;
 };
+
+// Most numbers that a text may hold: each takes two bytes at least.
+std::int64_t most_numbers(std::int64_t length)
+{
+    return length / 2 + 1;
+}
+
+// Lines of equal length make up a whole; otherwise a few are added to what the beginning promises.
+std::int64_t expected_lines(std::int64_t length, ShapeCounter const& beginning, std::int64_t looked_at, std::int64_t first_line)
+{
+    if (beginning.rows() == 0)
+        return 0;
+    double const share = static_cast<double>(length) / static_cast<double>(looked_at);
+    std::int64_t const guess = static_cast<std::int64_t>(static_cast<double>(beginning.rows()) * share * 1.02) + 16;
+    return std::min(length % first_line == 0 ? length / first_line : guess, most_numbers(length) / beginning.cols());
+}
+
+// Reads all numbers into a value with room for so many rows. The message about what is wrong, or null.
+char const* read_table(TextBlocks& blocks, std::int64_t room, std::int64_t cols, M<double>& value)
+{
+    // Lines that would need more numbers than there are cannot be of one length: where they differ, or
+    // what is no number, is found without storing any.
+    bool const fits = room <= most_numbers(blocks.length()) / cols;
+    if (fits && room * cols > most_elements)
+        return messages::out_of_memory;
+    value = fits ? M<double>(0, static_cast<int>(room), static_cast<int>(cols)) : Access<double>::without_storage();
+    if (fits && value.size() < 1)
+        return reported;
+    TableReader table(room, cols, value.addr());
+    char const* problem = nullptr;
+    blocks.each([&](char const* at, char const* end) {
+        problem = table.take(at, end);
+        return !problem;
+    });
+    problem = problem ? problem : blocks.problem() ? blocks.problem() : table.finish();
+    if (problem || table.rows() == room)
+        return problem;
+    if (table.rows() == 0 || !fits)
+        return messages::could_not_read;
+    auto const rows = static_cast<int>(table.rows());
+    for (int col = 1; col < cols; ++col)
+        std::memmove(value.addr() + std::int64_t{col} * rows, value.addr() + col * room, static_cast<std::size_t>(rows) * sizeof(double));
+    Access<double>::grow_in_place(value, Dims(rows, static_cast<int>(cols)));
+    return nullptr;
+}
 
 // Numbers as lines of text on their way to a file.
 class LineWriter {
@@ -118,7 +168,8 @@ public:
     {
         if (buffer_.size() - used_ < number_text_size && !flush())
             return false;
-        used_ += write_aligned(buffer_.data() + used_, x, file_digits, file_column);
+        char* const out = buffer_.data() + used_;
+        used_ += write_short_decimal(out, x) ? file_column : write_aligned(out, x, file_digits, file_column);
         return true;
     }
     bool end_line()
@@ -181,35 +232,30 @@ M<double> loadascii(M<double> const& filename, Mr<double> m)
     FileName const name(filename);
     TextBlocks blocks(name);
     ShapeCounter shape;
-    blocks.each([&shape](char const* at, char const* end) {
+    // The beginning tells how many lines to expect. Where there are more, all are counted.
+    std::int64_t looked_at = 0, first_line = 0;
+    blocks.each([&](char const* at, char const* end) {
         shape.take(at, end);
-        return true;
+        first_line = looked_at ? first_line : std::find(at, end, '\n') - at + 1;
+        looked_at += end - at;
+        return shape.rows() < 2;
     });
-    char const* problem = blocks.found() ? blocks.problem() : "loadascii: %s not found";
-    if (!problem && shape.rows() == 0)
-        problem = messages::could_not_read;
-    if (problem) {
-        error(problem, name);
-        return x_M;
-    }
-    // A number takes two bytes at least. Lines that would need more than there are cannot be of one
-    // length; where they differ is for the reader to find.
-    bool const fits = shape.cols() <= blocks.length() && shape.rows() <= (blocks.length() / 2 + 1) / shape.cols();
+    std::int64_t const room = looked_at < blocks.length() ? expected_lines(blocks.length(), shape, looked_at, first_line) : shape.rows();
     M<double> read = Access<double>::without_storage();
-    if (fits && shape.rows() * shape.cols() > most_elements)
-        problem = messages::out_of_memory;
-    else if (fits && (read = M<double>(0, static_cast<int>(shape.rows()), static_cast<int>(shape.cols()))).size() < 1)
-        return x_M; // reported where it happened
-    if (!problem) {
-        TableReader table(shape.rows(), shape.cols(), read.addr());
-        blocks.each([&](char const* at, char const* end) {
-            problem = table.take(at, end);
-            return !problem;
+    char const* problem = blocks.found() ? blocks.problem() : "loadascii: %s not found";
+    if (!problem)
+        problem = shape.rows() > 0 ? read_table(blocks, room, shape.cols(), read) : messages::could_not_read;
+    if (problem == more_lines) {
+        ShapeCounter whole;
+        blocks.each([&whole](char const* at, char const* end) {
+            whole.take(at, end);
+            return true;
         });
-        problem = problem ? problem : blocks.problem() ? blocks.problem() : table.finish();
+        problem = read_table(blocks, whole.rows(), whole.cols(), read);
     }
     if (problem) {
-        error(problem, name);
+        if (problem != reported)
+            error(problem == more_lines ? messages::could_not_read : problem, name);
         return x_M;
     }
     m = read;

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <atomic>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 #include <limits>
 
 namespace arrlib {
@@ -26,35 +28,43 @@ template <class Found> bool any_block(double const* x, std::ptrdiff_t n, Found f
     return seen.load();
 }
 
+// Two elements at a time, since the compiler makes no vector code of tests that it might leave early.
+using Pair = double __attribute__((vector_size(16)));
+using PairTest = std::int64_t __attribute__((vector_size(16)));
+
+template <class Test> bool any_element(double const* x, std::ptrdiff_t n, Test test)
+{
+    return any_block(x, n, [test](double const* at, std::ptrdiff_t count) {
+        PairTest seen = {}, seen_too = {};
+        std::ptrdiff_t k = 0;
+        for (; k + 4 <= count; k += 4) {
+            Pair first, second;
+            std::memcpy(&first, at + k, sizeof first);
+            std::memcpy(&second, at + k + 2, sizeof second);
+            seen |= test(first);
+            seen_too |= test(second);
+        }
+        for (; k < count; ++k)
+            seen |= test(Pair{at[k], at[k]});
+        seen |= seen_too;
+        return (seen[0] | seen[1]) != 0;
+    });
+}
+
 // Comparisons with NaN are false: NaN lies in no range.
 bool any_outside(M<double> const& x, double low, double high)
 {
-    return any_block(x.addr(), x.getnnz(), [=](double const* at, std::ptrdiff_t n) {
-        int outside = 0;
-        for (std::ptrdiff_t k = 0; k < n; ++k)
-            outside |= int{at[k] < low} | int{at[k] > high};
-        return outside != 0;
-    });
+    return any_element(x.addr(), x.getnnz(), [=](Pair at) -> PairTest { return (at < low) | (at > high); });
 }
 
 bool any_inside(M<double> const& x, double low, double high)
 {
-    return any_block(x.addr(), x.getnnz(), [=](double const* at, std::ptrdiff_t n) {
-        int inside = 0;
-        for (std::ptrdiff_t k = 0; k < n; ++k)
-            inside |= int{at[k] > low} & int{at[k] < high};
-        return inside != 0;
-    });
+    return any_element(x.addr(), x.getnnz(), [=](Pair at) -> PairTest { return (at > low) & (at < high); });
 }
 
 bool any_nonzero(double const* x, std::ptrdiff_t n)
 {
-    return any_block(x, n, [](double const* at, std::ptrdiff_t count) {
-        int seen = 0;
-        for (std::ptrdiff_t k = 0; k < count; ++k)
-            seen |= int{at[k] != 0};
-        return seen != 0;
-    });
+    return any_element(x, n, [](Pair at) -> PairTest { return at != 0.0; });
 }
 
 bool all_integers(M<double> const& x)

@@ -173,22 +173,6 @@ constexpr Operation operations[] = {
 
 static_assert(std::size(operations) == op_count);
 
-// Dimension operations come first, and a complex result needs a complex kernel.
-constexpr bool table_is_sound()
-{
-    for (int op = 0; op < op_count; ++op) {
-        Operation const& row = operations[op];
-        if ((op <= op_unwrap) != (row.kernels.along != nullptr) || (op > op_unwrap) != (row.kernels.real != nullptr))
-            return false;
-        if (op > op_unwrap && (row.complex != never) != (row.kernels.complex != nullptr))
-            return false;
-        if (row.logical && row.complex != never)
-            return false;
-    }
-    return true;
-}
-static_assert(table_is_sound());
-
 } // namespace
 
 Operation const* find_operation(int code)

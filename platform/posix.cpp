@@ -353,7 +353,7 @@ bool FileWriter::create(char const* path)
             return false;
     } else {
         int const size = std::snprintf(target_, sizeof target_, "%s", path);
-        if (size < 0 || static_cast<std::size_t>(size) >= sizeof target_)
+        if (size <= 0 || static_cast<std::size_t>(size) >= sizeof target_)
             return false;
     }
     // No room for a second file in that folder: the only one left is the file itself.

@@ -296,7 +296,7 @@ bool FileWriter::create(char const* path)
 {
     abandon();
     int const size = std::snprintf(target_, sizeof target_, "%s", path);
-    if (size < 0 || static_cast<std::size_t>(size) >= sizeof target_)
+    if (size <= 0 || static_cast<std::size_t>(size) >= sizeof target_)
         return false;
     Handle existing(CreateFileA(path, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr));
     if (!existing && GetLastError() != ERROR_FILE_NOT_FOUND)

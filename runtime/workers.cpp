@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdlib>
-#include <mutex>
 #include <system_error>
 #include <thread>
 
@@ -54,8 +53,8 @@ constinit Job job;
 constinit std::atomic<unsigned> joined{closed};
 // Counts jobs; sleeping workers wait for it to change.
 constinit std::atomic<unsigned> jobs{0};
-// Held by whoever gives work.
-constinit std::mutex giving;
+// Set while somebody gives work.
+constinit std::atomic<bool> giving{false};
 constinit int workers = 0;
 // Most threads of a job; not positive while the environment has not been read.
 constinit std::atomic<int> limit{0};
@@ -98,7 +97,7 @@ void forget_workers()
 {
     workers = 0;
     joined.store(closed, std::memory_order_relaxed);
-    new (&giving) std::mutex;
+    giving.store(false, std::memory_order_relaxed);
 }
 
 void have_workers(int wanted)
@@ -161,8 +160,7 @@ void parallel_for(std::ptrdiff_t count, std::ptrdiff_t least, RangeWork work)
     if (count <= 0)
         return;
     int const width = count < 2 * least ? 1 : parallel_width();
-    std::unique_lock only(giving, std::defer_lock);
-    if (width == 1 || !only.try_lock()) {
+    if (width == 1 || giving.exchange(true, std::memory_order_acquire)) {
         work(0, count);
         return;
     }
@@ -182,6 +180,7 @@ void parallel_for(std::ptrdiff_t count, std::ptrdiff_t least, RangeWork work)
     joined.fetch_or(closed, std::memory_order_acquire);
     while (joined.load(std::memory_order_acquire) != closed)
         pause_briefly();
+    giving.store(false, std::memory_order_release);
 }
 
 } // namespace arrlib

@@ -13,9 +13,6 @@
 namespace arrlib {
 namespace {
 
-// 1.5 2^52: a sum with it is rounded to an integer, which stands in its low bits.
-constexpr double to_integer = 0x1.8p52;
-
 // significand 2^floor(exponent); the significand is in [0.97, 2.05].
 template <class V> struct Exponential {
     Pair<V> significand;

@@ -17,6 +17,9 @@
 namespace arrlib {
 namespace {
 
+// 1.5 2^52: a sum with it is rounded to an integer, which stands in its low bits.
+constexpr double to_integer = 0x1.8p52;
+
 // 64 bits of each lane.
 struct LaneBits {
     std::uint64_t v;
@@ -92,13 +95,12 @@ inline Lane pick(double even, double odd, LaneBits at)
     double const table[] = {even, odd};
     return table[at.v % 2];
 }
-// x 2^floor(n) for n of at most 2000 in magnitude, rounded once when x is in [0.5, 4].
+// x 2^floor(n) for n of at most 2000 in magnitude, rounded once when x is in [0.5, 4]. NaN for NaN x, whatever n.
 inline Lane scale(Lane x, Lane n)
 {
-    auto const power = [](std::int64_t e) { return __builtin_bit_cast(double, static_cast<std::uint64_t>(e + 1023) << 52); };
-    auto all = static_cast<std::int64_t>(n.v);
-    all -= static_cast<double>(all) > n.v;
-    std::int64_t const half = all / 2;
+    auto const power = [](double e) { return __builtin_bit_cast(double, __builtin_bit_cast(std::uint64_t, e + (to_integer + 1023)) << 52); };
+    double const nearest = (n.v + to_integer) - to_integer, all = nearest > n.v ? nearest - 1 : nearest;
+    double const half = (all * 0.5 + to_integer) - to_integer;
     return x.v * power(half) * power(all - half);
 }
 

@@ -92,7 +92,7 @@ inline Wide pick(double even, double odd, WideBits at) { return select(WideMask:
 inline Wide scale(Wide x, Wide n)
 {
     // 2^e by the exponent field: e + 1023 stands at the low end of the sum.
-    auto const power = [](Wide e) { return Wide::of((e + (0x1.8p52 + 1023)).bits().template up<52>()); };
+    auto const power = [](Wide e) { return Wide::of((e + (to_integer + 1023)).bits().template up<52>()); };
     Wide const all = floor(n), half = trunc(all * 0.5);
     return x * power(half) * power(all - half);
 }

@@ -210,6 +210,77 @@ TEST_F(TextFile, RoundTrip)
     EXPECT_EQ(folder.read("again.txt"), folder.read("out.txt"));
 }
 
+// Files that are read in blocks: what the first one promises may be wrong.
+TEST_F(TextFile, LongFilesNeedNotGoOnAsTheyBegin)
+{
+    auto const lines = [](int count, std::string const& line) {
+        std::string text;
+        for (int k = 0; k < count; ++k)
+            text += line;
+        return text;
+    };
+    std::string const wide = lines(50000, "                    1                    2\n"), narrow = lines(400000, "3 4\n"), word(3000000, '0');
+    struct {
+        std::string content;
+        int rows, cols;
+        char const* message;
+    } const cases[] = {
+        {wide, 50000, 2, ""},
+        {wide + narrow, 450000, 2, ""},
+        {narrow + wide, 450000, 2, ""},
+        {narrow.substr(0, narrow.size() - 1), 400000, 2, ""},
+        {lines(700000, "1 2 "), 1, 1400000, ""},
+        {lines(100, "\n") + wide + lines(2000000, "\n"), 50000, 2, ""},
+        {lines(1200000, "\n") + narrow, 400000, 2, ""},
+        {wide + narrow + "1\n", 0, 0, "loadascii: matrix in %s is not rectangular"},
+        {lines(300000, "1 2 3 ") + "\n" + lines(900000, "1\n"), 0, 0, "loadascii: matrix in %s is not rectangular"},
+        {wide + narrow + "1 x\n1 2 3", 0, 0, "could not read %s"},
+        {word + "1 2\n" + word + "3 4", 2, 2, ""},
+    };
+    for (auto const& one : cases) {
+        std::string const path = folder.write("long.txt", one.content);
+        Reports const reports;
+        m = M<double>();
+        loadascii(name_of(path), m);
+        std::string message = one.message;
+        EXPECT_EQ(reports.text(), message.empty() ? message : message.replace(message.find("%s"), 2, path));
+        ASSERT_EQ(m.rows(), one.rows);
+        ASSERT_EQ(m.cols(), one.cols);
+        double sum = 0;
+        for (int k = 1; k <= m.size(); ++k)
+            sum += m[k];
+        double wanted = 0;
+        for (char const c : one.rows ? one.content : std::string())
+            wanted += c > '0' && c <= '9' ? c - '0' : 0;
+        EXPECT_EQ(sum, wanted);
+    }
+}
+
+// Every digit as the C library has it, also where a number lies between two of 13 digits.
+TEST_F(TextFile, NumbersAreThoseOfTheCLibrary)
+{
+    std::mt19937_64 random(4);
+    M<double> value(0, 20000, 1);
+    std::string wanted, digits;
+    for (int k = 1; k <= value.size(); ++k) {
+        double const whole = static_cast<double>(random() % 10000000000000), power = std::pow(10.0, static_cast<double>(random() % 20));
+        double const number = k % 4 == 0 ? whole + 0.5 : k % 4 == 1 ? whole / power : k % 4 == 2 ? std::ldexp(whole, -static_cast<int>(random() % 64)) : std::round(whole / 1e9) / 1e4;
+        value.r(k) = k % 7 == 0 ? -number : k % 97 == 0 ? std::nextafter(1e-4, k % 2) : number;
+        char text[64];
+        std::snprintf(text, sizeof text, "%23.13g\n", value[k]);
+        wanted += text;
+        std::snprintf(text, sizeof text, "%.*f\n", static_cast<int>(random() % 16), value[k]);
+        digits += text;
+    }
+    saveascii(name_of(folder.path("out.txt")), value);
+    EXPECT_TRUE(folder.read("out.txt") == wanted);
+    load(digits);
+    ASSERT_EQ(m.size(), value.size());
+    char* at = digits.data();
+    for (int k = 1; k <= m.size(); ++k)
+        ASSERT_EQ(m[k], std::strtod(at, &at)) << k;
+}
+
 TEST_F(TextFile, FailedSaveIsReported)
 {
     folder.write("old.txt", "precious");

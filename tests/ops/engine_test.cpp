@@ -300,6 +300,21 @@ TEST(Engine, NamesAndCodes)
     EXPECT_EQ(names.size(), 97u);
 }
 
+// Dimension operations come first, and a complex result needs a complex kernel.
+TEST(Engine, RowsAreSound)
+{
+    for (int op = 0; op < op_count; ++op) {
+        Operation const& row = *arrlib::find_operation(op);
+        bool const elementwise = op > op_unwrap;
+        EXPECT_EQ(row.kernels.along == nullptr, elementwise) << row.name;
+        EXPECT_EQ(row.kernels.real != nullptr, elementwise) << row.name;
+        EXPECT_EQ(row.kernels.complex != nullptr, elementwise && row.complex != arrlib::ComplexRule::never) << row.name;
+        EXPECT_FALSE(row.logical && row.complex != arrlib::ComplexRule::never) << row.name;
+    }
+    EXPECT_EQ(arrlib::find_operation(op_count), nullptr);
+    EXPECT_EQ(arrlib::find_operation(-1), nullptr);
+}
+
 // The rule of a row is what the kernels do to zero.
 TEST(Engine, SparseRulesHold)
 {
