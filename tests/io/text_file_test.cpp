@@ -1,5 +1,6 @@
 // Text files of numbers, read and written.
 #include "arrlib.h"
+#include "runtime/workers.h"
 #include "support/capture.h"
 
 #include <cmath>
@@ -296,6 +297,37 @@ TEST_F(TextFile, FailedSaveIsReported)
 }
 
 #if !defined(_WIN32)
+
+// Long texts are halved; where the halves meet, and what is wrong in either, makes no difference.
+TEST_F(TextFile, ThreadsReadTheSame)
+{
+    std::mt19937 random(7);
+    std::string good;
+    for (int row = 0; row < 60000; ++row) {
+        good += random() % 50 == 0 ? "  \t\n\n" : "";
+        good += " " + std::to_string(row) + (random() % 3 ? "   " : "\t") + std::to_string(random() % 100000) + ".25 -1e3\r\n";
+    }
+    std::string const faults[] = {"", "1 2\n", "1 2 x\n", "1 2 3 4\n", "\n \n", "7 8 9"};
+    int const before = arrlib::set_parallel_limit(1);
+    for (std::string const& fault : faults)
+        for (double const share : {0.1, 0.45, 0.5, 0.9, 1.0}) {
+            std::string text = good;
+            text.insert(text.find('\n', static_cast<std::size_t>(static_cast<double>(text.size() - 3) * share)) + 1, fault);
+            std::string results[2];
+            for (int threads : {1, 2}) {
+                arrlib::set_parallel_limit(threads);
+                Reports const reports;
+                m = M<double>(5.0);
+                loadascii(name_of(folder.write("long.txt", text)), m);
+                results[threads - 1] = table_of(m) + reports.text();
+            }
+            EXPECT_TRUE(results[0] == results[1]) << fault << " at " << share;
+            if (fault.find_first_not_of(" \n") == std::string::npos) {
+                EXPECT_EQ(results[0].substr(0, 8), "60000x3:");
+            }
+        }
+    arrlib::set_parallel_limit(before);
+}
 
 TEST_F(TextFile, PermissionsAreKept)
 {
