@@ -31,22 +31,24 @@ template <class Found> bool any_block(double const* x, std::ptrdiff_t n, Found f
 // Two elements at a time, since the compiler makes no vector code of tests that it might leave early.
 using Pair = double __attribute__((vector_size(16)));
 using PairTest = std::int64_t __attribute__((vector_size(16)));
+// Answers are 0 or -1 and are added: where they are or-ed, g++ 12 takes them apart one by one.
+using Counts = PairTest;
 
 template <class Test> bool any_element(double const* x, std::ptrdiff_t n, Test test)
 {
     return any_block(x, n, [test](double const* at, std::ptrdiff_t count) {
-        PairTest seen = {}, seen_too = {};
+        Counts seen = {}, seen_too = {};
         std::ptrdiff_t k = 0;
         for (; k + 4 <= count; k += 4) {
             Pair first, second;
             std::memcpy(&first, at + k, sizeof first);
             std::memcpy(&second, at + k + 2, sizeof second);
-            seen |= test(first);
-            seen_too |= test(second);
+            seen -= test(first);
+            seen_too -= test(second);
         }
         for (; k < count; ++k)
-            seen |= test(Pair{at[k], at[k]});
-        seen |= seen_too;
+            seen -= test(Pair{at[k], at[k]});
+        seen += seen_too;
         return (seen[0] | seen[1]) != 0;
     });
 }
@@ -54,7 +56,7 @@ template <class Test> bool any_element(double const* x, std::ptrdiff_t n, Test t
 // Comparisons with NaN are false: NaN lies in no range.
 bool any_outside(M<double> const& x, double low, double high)
 {
-    return any_element(x.addr(), x.getnnz(), [=](Pair at) -> PairTest { return (at < low) | (at > high); });
+    return any_element(x.addr(), x.getnnz(), [=](Pair at) -> PairTest { return (at < low) + (at > high); });
 }
 
 bool any_inside(M<double> const& x, double low, double high)
