@@ -65,7 +65,12 @@ public:
     }
 
 private:
-    static constexpr std::size_t first_room = std::size_t{1} << 18;
+    // A small part of what the numbers take, and enough at a time for several threads.
+    std::size_t first_room() const
+    {
+        constexpr std::int64_t least = std::int64_t{1} << 18, most = std::int64_t{1} << 21;
+        return static_cast<std::size_t>(std::min(std::clamp(length_ / 32, least, most), length_ + 1));
+    }
 
     template <class Take> void each_of_stream(Take& take)
     {
@@ -94,7 +99,7 @@ private:
     // False when there is no memory; nothing has been reported then.
     bool make_room(std::size_t kept)
     {
-        std::size_t const room = room_ ? 2 * room_ : std::min(first_room, static_cast<std::size_t>(length_) + 1);
+        std::size_t const room = room_ ? 2 * room_ : first_room();
         auto* const larger = static_cast<char*>(platform::heap_allocate(room));
         if (!larger) {
             result_ = platform::ReadResult::out_of_memory;
