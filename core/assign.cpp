@@ -5,6 +5,7 @@
 #include "runtime/constants.h"
 #include "runtime/errors.h"
 #include "runtime/report.h"
+#include "runtime/workers.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -248,23 +249,30 @@ template <class T> bool resolve_block(M<T> const& target, M<T> const& source, M<
 template <class T> void store_block(M<T>& target, Subscript const& rows, Subscript const& cols, M<T> const& source)
 {
     Source<T> const from(source);
-    int k = 0;
-    for (int c = 0; c < cols.count(); ++c) {
-        std::size_t const column = static_cast<std::size_t>(cols[c]) * static_cast<std::size_t>(target.rows());
-        T* const re = target.addr() + column;
-        if (rows.is_run() && !from.is_single())
-            Storage<T>::copy(re + rows.first(), from.re() + k, rows.count());
-        else if (rows.is_run())
-            std::fill_n(re + rows.first(), rows.count(), *from.re());
-        else
-            for (int r = 0; r < rows.count(); ++r)
-                re[rows.list()[r]] = from.re(k + r);
-        if (target.isc())
-            for (int r = 0; r < rows.count(); ++r)
-                target.addi()[column + static_cast<std::size_t>(rows[r])] = from.im(k + r);
+    auto const store_columns = [&](std::ptrdiff_t begin, std::ptrdiff_t end) {
         // One element may be asked for at more places than an int counts.
-        k += from.is_single() ? 0 : rows.count();
-    }
+        int k = from.is_single() ? 0 : static_cast<int>(begin) * rows.count();
+        for (int c = static_cast<int>(begin); c < end; ++c) {
+            std::size_t const column = static_cast<std::size_t>(cols[c]) * static_cast<std::size_t>(target.rows());
+            T* const re = target.addr() + column;
+            if (rows.is_run() && !from.is_single())
+                Storage<T>::copy(re + rows.first(), from.re() + k, rows.count());
+            else if (rows.is_run())
+                std::fill_n(re + rows.first(), rows.count(), *from.re());
+            else
+                for (int r = 0; r < rows.count(); ++r)
+                    re[rows.list()[r]] = from.re(k + r);
+            if (target.isc())
+                for (int r = 0; r < rows.count(); ++r)
+                    target.addi()[column + static_cast<std::size_t>(rows[r])] = from.im(k + r);
+            k += from.is_single() ? 0 : rows.count();
+        }
+    };
+    // Columns that may be named twice are written in order; so are cells, which count references.
+    if (std::is_same_v<T, double> && cols.is_run())
+        parallel_for(cols.count(), least_per_thread / rows.count() + 1, store_columns);
+    else
+        store_columns(0, cols.count());
 }
 
 int grown_extent(int extent, Subscript const& subscript)

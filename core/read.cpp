@@ -48,9 +48,6 @@ bool is_plain(M<M<double>> const& matrix)
     return matrix.getndims() == 2;
 }
 
-// Fewer elements than this are not worth another thread.
-constexpr int least_per_thread = 32768;
-
 template <class T> M<T> like(M<T> const& source, Dims const& shape)
 {
     M<T> made = Access<T>::full(source.isc(), shape);

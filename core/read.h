@@ -7,6 +7,9 @@
 
 namespace arrlib {
 
+// Fewer elements than this, read or written, are not worth another thread.
+inline constexpr int least_per_thread = 32768;
+
 template <class T> M<T> read(Mr<T> const& selection);
 template <class T> M<T> read(Sr<T> const& selection);
 
