@@ -1,5 +1,7 @@
 #include "ops/blas.h"
 
+#include "ops/blas_threads.h"
+
 #if defined(ARRLIB_OPENBLAS)
 #include <cblas.h>
 #include <mutex>
@@ -11,33 +13,35 @@ namespace arrlib {
 
 namespace {
 
-// The work is shared out above this file, which knows when to stay on one thread. The library knows
-// one number of threads for the whole process: it is one while a call of ours runs, and then again
-// what it was.
-class OneThread {
-public:
-    OneThread()
-    {
-        std::lock_guard const only(counting);
-        if (calls++ == 0) {
-            threads_before = openblas_get_num_threads();
-            if (threads_before != 1)
-                openblas_set_num_threads(1);
-        }
-    }
-    ~OneThread()
-    {
-        std::lock_guard const only(counting);
-        if (--calls == 0 && threads_before != 1)
-            openblas_set_num_threads(threads_before);
-    }
-    OneThread(OneThread const&) = delete;
-    OneThread& operator=(OneThread const&) = delete;
+constinit std::mutex counting;
+constinit int calls = 0;
+constinit int threads_before = 1;
 
-private:
-    static constinit inline std::mutex counting;
-    static constinit inline int calls = 0;
-    static constinit inline int threads_before = 1;
+} // namespace
+
+BlasThreads::BlasThreads(int threads)
+{
+    std::lock_guard const only(counting);
+    if (calls++ == 0) {
+        threads_before = openblas_get_num_threads();
+        if (threads_before != threads)
+            openblas_set_num_threads(threads);
+    }
+}
+
+BlasThreads::~BlasThreads()
+{
+    std::lock_guard const only(counting);
+    if (--calls == 0 && openblas_get_num_threads() != threads_before)
+        openblas_set_num_threads(threads_before);
+}
+
+namespace {
+
+// The work is shared out above this file, which knows when to stay on one thread.
+class OneThread : BlasThreads {
+public:
+    OneThread() : BlasThreads(1) {}
 };
 
 void gemm(int m, int n, int k, double alpha, ConstantPanel a, ConstantPanel b, bool onto, Panel c)
@@ -71,6 +75,9 @@ constexpr Blas open_blas{gemm, gemv, gemv_transposed, dot};
 constinit Blas const& blas = open_blas;
 
 #else
+
+BlasThreads::BlasThreads(int) {}
+BlasThreads::~BlasThreads() {}
 
 constinit Blas const& blas = plain_blas;
 
