@@ -1,10 +1,12 @@
 #include "ops/blas.h"
 
+#include "ops/blas_processor.h"
 #include "ops/blas_threads.h"
 
 #if defined(ARRLIB_OPENBLAS)
 #include <cblas.h>
 #include <mutex>
+#include <utility>
 #endif
 
 namespace arrlib {
@@ -14,6 +16,7 @@ namespace arrlib {
 namespace {
 
 constinit std::mutex counting;
+constinit bool loops_chosen = false;
 constinit int calls = 0;
 constinit int threads_before = 1;
 
@@ -23,6 +26,8 @@ BlasThreads::BlasThreads(int threads)
 {
     std::lock_guard const only(counting);
     if (calls++ == 0) {
+        if (!std::exchange(loops_chosen, true))
+            choose_blas_loops();
         threads_before = openblas_get_num_threads();
         if (threads_before != threads)
             openblas_set_num_threads(threads);

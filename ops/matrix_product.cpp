@@ -21,20 +21,21 @@ constexpr std::int64_t few_multiplications = 256;
 // Less than this is not worth another thread: multiplications of a product of matrices, elements that
 // a product with a vector reads.
 constexpr std::int64_t least_multiplications = std::int64_t{1} << 22, least_elements = std::int64_t{1} << 16;
-// Threads share matrices out in pieces of so many rows or columns, which the library's kernels divide
-// as they divide the whole: the bits do not depend on the number of threads.
-constexpr std::int64_t piece_unit = 64;
+// Threads share out vectors in pieces of so many elements and matrices in pieces of so many columns,
+// which the library's loops divide as they divide the whole: the bits do not depend on the number of
+// threads. Its loops for AVX-512 take 24 columns at a time, others 4 or 8.
+constexpr std::int64_t vector_unit = 64, column_unit = 48;
 
 // Sizes of a product: x is m x k, y is k x n.
 struct Sizes {
     int m, n, k;
 };
 
-// Rows or columns that come to at least `least`, when each of them counts for `each`.
-std::ptrdiff_t piece(std::int64_t least, std::int64_t each)
+// Rows or columns, in whole units, that come to at least `least` when each of them counts for `each`.
+std::ptrdiff_t piece(std::int64_t least, std::int64_t each, std::int64_t unit)
 {
     std::int64_t const wanted = least / std::max<std::int64_t>(each, 1);
-    return static_cast<std::ptrdiff_t>((wanted / piece_unit + 1) * piece_unit);
+    return static_cast<std::ptrdiff_t>((wanted / unit + 1) * unit);
 }
 
 void multiply_few(Sizes s, double sign, double const* x, double const* y, bool onto, double* __restrict__ z)
@@ -54,29 +55,31 @@ void multiply_few(Sizes s, double sign, double const* x, double const* y, bool o
 
 void multiply_by_vector(Sizes s, double sign, double const* x, double const* y, double* z)
 {
-    parallel_for(s.m, piece(least_elements, s.k), [=](std::ptrdiff_t from, std::ptrdiff_t to) {
+    parallel_for(s.m, piece(least_elements, s.k, vector_unit), [=](std::ptrdiff_t from, std::ptrdiff_t to) {
         blas.gemv(static_cast<int>(to - from), s.k, sign, {x + from, s.m}, y, z + from);
     });
 }
 
 void multiply_vector_by(Sizes s, double sign, double const* x, double const* y, double* z)
 {
-    parallel_for(s.n, piece(least_elements, s.k), [=](std::ptrdiff_t from, std::ptrdiff_t to) {
+    parallel_for(s.n, piece(least_elements, s.k, vector_unit), [=](std::ptrdiff_t from, std::ptrdiff_t to) {
         blas.gemv_transposed(s.k, static_cast<int>(to - from), sign, {y + from * s.k, s.k}, x, z + from);
     });
 }
 
 void multiply_matrices(Sizes s, double sign, double const* x, double const* y, bool onto, double* z)
 {
-    // The longer side of the result is divided.
-    if (s.n >= s.m)
-        parallel_for(s.n, piece(least_multiplications, std::int64_t{s.m} * s.k), [=](std::ptrdiff_t from, std::ptrdiff_t to) {
+    if (s.n >= 2 * column_unit || s.m < 2 * s.n)
+        return parallel_for(s.n, piece(least_multiplications, std::int64_t{s.m} * s.k, column_unit), [=](std::ptrdiff_t from, std::ptrdiff_t to) {
             blas.gemm(s.m, static_cast<int>(to - from), s.k, sign, {x, s.m}, {y + from * s.k, s.k}, onto, {z + from * s.m, s.m});
         });
-    else
-        parallel_for(s.m, piece(least_multiplications, std::int64_t{s.n} * s.k), [=](std::ptrdiff_t from, std::ptrdiff_t to) {
-            blas.gemm(static_cast<int>(to - from), s.n, s.k, sign, {x + from, s.m}, {y, s.k}, onto, {z + from, s.m});
-        });
+    // How the last rows of a call are computed depends on their number: the calls are the same however many
+    // threads make them.
+    std::ptrdiff_t const rows = piece(least_multiplications, std::int64_t{s.n} * s.k, vector_unit);
+    parallel_for((s.m + rows - 1) / rows, 1, [=](std::ptrdiff_t from, std::ptrdiff_t to) {
+        for (std::ptrdiff_t row = from * rows; row < std::min<std::ptrdiff_t>(to * rows, s.m); row += rows)
+            blas.gemm(static_cast<int>(std::min<std::ptrdiff_t>(rows, s.m - row)), s.n, s.k, sign, {x + row, s.m}, {y, s.k}, onto, {z + row, s.m});
+    });
 }
 
 void multiply_real(Sizes s, double sign, double const* x, double const* y, bool onto, double* z)

@@ -61,6 +61,8 @@ void call_after_fork(void (*forget)());
 void sleep_milliseconds(unsigned milliseconds);
 // The value of an environment variable, or null.
 char const* environment(char const* name);
+// Sets one, or removes it when `value` is null. No other thread may look at the environment meanwhile.
+void set_environment(char const* name, char const* value);
 
 // --- console ------------------------------------------------------------------------------------
 

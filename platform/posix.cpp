@@ -225,6 +225,14 @@ char const* environment(char const* name)
     return std::getenv(name);
 }
 
+void set_environment(char const* name, char const* value)
+{
+    if (value)
+        setenv(name, value, 1);
+    else
+        unsetenv(name);
+}
+
 // --- console ----------------------------------------------------------------------------------------
 
 namespace {

@@ -172,6 +172,11 @@ char const* environment(char const* name)
     return std::getenv(name);
 }
 
+void set_environment(char const* name, char const* value)
+{
+    _putenv_s(name, value ? value : "");
+}
+
 // --- console ----------------------------------------------------------------------------------------
 
 namespace {

@@ -194,8 +194,8 @@ TEST(MatrixProduct, BitsDoNotDependOnTheNumberOfThreads)
         return made;
     };
     M<double> const x = noise(611, 403, false), y = noise(403, 502, false), sparse_x = noise(611, 403, true), sparse_y = noise(403, 502, true);
-    M<double> const column = noise(403, 1, false), row = noise(1, 403, false);
-    for (auto const& [left, right] : {std::pair{&x, &y}, {&x, &column}, {&row, &y}, {&x, &sparse_y}, {&sparse_x, &y}, {&sparse_x, &sparse_y}}) {
+    M<double> const column = noise(403, 1, false), row = noise(1, 403, false), tall = noise(3011, 403, false), narrow = noise(403, 31, false);
+    for (auto const& [left, right] : {std::pair{&x, &y}, {&tall, &narrow}, {&x, &column}, {&row, &y}, {&x, &sparse_y}, {&sparse_x, &y}, {&sparse_x, &sparse_y}}) {
         int const limit = arrlib::set_parallel_limit(1);
         M<double> const alone = matrix_product(*left, *right);
         for (int const threads : {2, 5}) {
