@@ -36,9 +36,12 @@
 #include "ops/sparse_random.h"
 #include "runtime/console.h"
 #include "runtime/constants.h"
+#include "runtime/dispatch.h"
 #include "runtime/display.h"
+#include "runtime/environment.h"
 #include "runtime/errors.h"
 #include "runtime/parallel.h"
+#include "runtime/path.h"
 #include "runtime/scope.h"
 #include "runtime/startup.h"
 

@@ -130,6 +130,11 @@ bool working_folder(char* path, std::size_t room);
 bool remove_file(char const* path);
 // True when both names lead to one existing file.
 bool is_same_file(char const* one, char const* other);
+// True when something other than a folder has that name.
+bool is_file(char const* path);
+// The path from the root on, without "." and ".."; nothing needs to exist, and links are not followed.
+// False for an empty path, and when the room is too small.
+bool full_path(char const* path, char* full, std::size_t room);
 // Between the names of a path; between the paths of a list.
 extern char const file_separator[];
 extern char const path_separator[];

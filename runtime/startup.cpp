@@ -95,6 +95,8 @@ GraphicsLink const& graphics()
 void install_graphics(GraphicsLink const* link)
 {
     installed_graphics = link ? link : &no_graphics;
+    if (installed_graphics->introduce)
+        installed_graphics->introduce(graphics_services);
 }
 
 } // namespace arrlib
