@@ -3,6 +3,10 @@
 
 #include <benchmark/benchmark.h>
 
+#include <cstdlib>
+#include <new>
+#include <string>
+
 static void construct(benchmark::State& state)
 {
     for (auto _ : state) {
@@ -106,3 +110,35 @@ static void named_scope_off(benchmark::State& state)
     }
 }
 BENCHMARK(named_scope_off)->Name("construct and destroy named 1x1/arrlib");
+
+// An empty variable, as translated declarations make them.
+static void named_empty_scope_off(benchmark::State& state)
+{
+    for (auto _ : state) {
+        M<double> x("x", 0, 0);
+        benchmark::DoNotOptimize(x.addr());
+    }
+}
+BENCHMARK(named_empty_scope_off)->Name("construct and destroy named 0x0/arrlib");
+
+// One call's variables, listed as they are made and gone at its end; the figure is for all of them.
+static void named_scope_on(benchmark::State& state)
+{
+    constexpr std::size_t variables = 1000;
+    std::vector<std::string> names(variables);
+    for (std::size_t k = 0; k < variables; ++k)
+        names[k] = "variable_" + std::to_string(k);
+    struct Room {
+        alignas(M<double>) unsigned char bytes[sizeof(M<double>)];
+    };
+    std::vector<Room> rooms(variables);
+    nx_set_default_error_flags(nx_error_register, 1);
+    for (auto _ : state) {
+        for (std::size_t k = 0; k < variables; ++k)
+            ::new (static_cast<void*>(rooms[k].bytes)) M<double>(names[k].c_str(), 1, 1);
+        for (std::size_t k = variables; k-- > 0;)
+            reinterpret_cast<M<double>*>(rooms[k].bytes)->~M();
+    }
+    nx_set_default_error_flags(nx_error_register, 0);
+}
+BENCHMARK(named_scope_on)->Name("1000 named 1x1 at one level, scope on/arrlib")->Unit(benchmark::kMicrosecond);

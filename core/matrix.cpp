@@ -100,14 +100,6 @@ template <class T> M<T>::M(int complex, int sparse, int nzmax, int ndims, int co
     make(complex, sparse, nzmax, ndims, dims);
 }
 
-template <class T> M<T>::M(char const* name, int rows, int cols) : M(unmade{}, name)
-{
-    make(rows, cols, false);
-    flags_ |= scalar_variable_mark;
-    if (name && scope_wants_named())
-        register_named();
-}
-
 template <> M<M<double>>::M(M<double> const& value) : M(unmade{}, nullptr)
 {
     make(1, 1, false);
@@ -117,6 +109,8 @@ template <> M<M<double>>::M(M<double> const& value) : M(unmade{}, nullptr)
 
 template <class T> void M<T>::register_named()
 {
+    if (!getname())
+        return;
     if (scope_declares_globals()) {
         flags_ |= global_mark;
         if (MObject* const saved = variables_scope.take_saved(getname())) {

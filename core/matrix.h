@@ -5,6 +5,7 @@
 
 #include "core/api.h"
 #include "core/storage.h"
+#include "runtime/errors.h"
 
 #include <cstddef>
 #include <type_traits>
@@ -13,6 +14,8 @@
 struct col_list_limits_t {
     int row_min, row_max, col_min, col_max;
 };
+
+class MObject;
 
 namespace arrlib {
 template <class T> struct Elements;
@@ -24,6 +27,9 @@ struct in_its_storage {};
 ARRLIB_API void* allocate_header(std::size_t size) noexcept;
 // Not zero while a debugger watches the variables (runtime/scope.h).
 ARRLIB_API extern int variables_watched;
+// Not zero once the scope has held a variable: it has to hear of new names then.
+ARRLIB_API extern int variables_listed;
+ARRLIB_API void follow_name(MObject* variable);
 
 // The general forms of r() and i(), out of line.
 template <class T> struct ARRLIB_API Elements {
@@ -59,7 +65,12 @@ private:
 class ARRLIB_API MObject {
 public:
     char const* getname() const { return name_; }
-    void setname(char const* name) { name_ = name; }
+    void setname(char const* name)
+    {
+        name_ = name;
+        if (ARRLIB_UNLIKELY(arrlib::variables_listed))
+            arrlib::follow_name(this);
+    }
 
     virtual char const* classname() const;
     virtual ~MObject() = default;
@@ -90,7 +101,11 @@ public:
     // then empty.
 
     // 0x0, with room for the spare elements.
-    M() : M(unmade{}, nullptr) { make(0, 0, false); }
+    M() : M(unmade{}, nullptr)
+    {
+        if (ARRLIB_UNLIKELY(!make_at_once(0, 0)))
+            make(0, 0, false);
+    }
     // 1x1.
     M(T const& value);
     // rows x cols, full; complex when `complex` is not zero. Elements are not initialised.
@@ -104,7 +119,14 @@ public:
     // N-dimensional; trailing dims of 1 are dropped, negative ones become 0.
     M(int complex, int sparse, int nzmax, int ndims, int const* dims);
     // A named variable. The scope may list it, and give it the value of a global of that name.
-    M(char const* name, int rows, int cols);
+    M(char const* name, int rows, int cols) : M(unmade{}, name)
+    {
+        if (ARRLIB_UNLIKELY(!make_at_once(rows, cols)))
+            make(rows, cols, false);
+        flags_ |= scalar_variable_mark;
+        if (ARRLIB_UNLIKELY(arrlib::variables_watched || (nx_default_error_flags & nx_error_register)))
+            register_named();
+    }
     // Touches no field.
     explicit M(global_M_t);
     // A constant of the library: empty or 1x1, in storage that is never given back.
@@ -398,6 +420,23 @@ private:
 
     M& assign_bracket(Mb<T> const& bracket);
     void make(int rows, int cols, bool complex);
+    // A number or an empty value in a chunk of the pool, onto an empty one without storage; false where
+    // that is not at hand.
+    bool make_at_once(int rows, int cols)
+    {
+        if constexpr (std::is_same_v<T, double>) {
+            using Storage = arrlib::Storage<double>;
+            int const one = rows == 1 && cols == 1;
+            void* const chunk = one || rows < 1 || cols < 1 ? arrlib::pool.take_chunk() : nullptr;
+            if (ARRLIB_LIKELY(chunk != nullptr)) {
+                int const capacity = one + Storage::spare;
+                dims_[0] = dims_[1] = dims_[2] = dims_[3] = one;
+                adopt(Storage::lay_out(chunk, Storage::bytes(static_cast<std::size_t>(capacity), false), capacity, false), one);
+                return true;
+            }
+        }
+        return false;
+    }
     // A real value of one element, through the slower half of the pool.
     ARRLIB_COLD void make_number(T const& value);
     void make(int complex, int sparse, int nzmax, int ndims, int const* dims);

@@ -11,6 +11,7 @@
 using namespace arrlib;
 
 int arrlib::variables_watched = 0;
+int arrlib::variables_listed = 0;
 constinit variables_scope_t variables_scope = {};
 
 namespace {
@@ -23,7 +24,38 @@ struct KeptValue {
 };
 constinit KeptValue* kept_values = nullptr;
 
+// Names are few and short: two of one level with the same hash cost a comparison now and then.
+std::uint32_t hash_of(char const* name)
+{
+    std::uint32_t hash = 2166136261u;
+    for (; *name; ++name)
+        hash = (hash ^ static_cast<unsigned char>(*name)) * 16777619u;
+    return hash;
+}
+
+// The first position from `from` on whose hash is as wanted, or `count`.
+int next_with_hash(std::uint32_t const* hashes, int from, int count, std::uint32_t wanted)
+{
+    // Without an exit from a group the compiler compares several at once.
+    constexpr int group = 16;
+    for (; from + group <= count; from += group) {
+        std::uint32_t found = 0;
+        for (int k = 0; k < group; ++k)
+            found |= hashes[from + k] == wanted;
+        if (found)
+            break;
+    }
+    while (from < count && hashes[from] != wanted)
+        ++from;
+    return from;
+}
+
 } // namespace
+
+void arrlib::follow_name(MObject* variable)
+{
+    variables_scope.rename(variable);
+}
 
 void variables_scope_t::begin()
 {
@@ -48,32 +80,60 @@ void variables_scope_t::reset()
         end();
 }
 
-int variables_scope_t::find(char const* name) const
+int variables_scope_t::find(unsigned level, char const* name) const
 {
-    for (int k = 0; k < count[depth]; ++k)
-        if (std::strcmp(variables[depth][k]->getname(), name) == 0)
+    std::uint32_t const wanted = hash_of(name);
+    int const used = count[level];
+    for (int k = 0; (k = next_with_hash(hashes(level), k, used, wanted)) < used; ++k)
+        if (std::strcmp(variables[level][k]->getname(), name) == 0)
             return k;
     return -1;
+}
+
+variables_scope_t::Place variables_scope_t::place_of(MObject const* variable) const
+{
+    // Variables end in the reverse order of their construction, as a rule.
+    for (unsigned level = depth + 1; level-- > 0;)
+        for (int k = count[level]; k-- > 0;)
+            if (variables[level][k] == variable)
+                return {level, k};
+    return {0, -1};
+}
+
+bool variables_scope_t::make_room(unsigned level)
+{
+    int const used = count[level];
+    if (used < capacity[level])
+        return true;
+    int const larger = capacity[level] * 2 + 4;
+    auto const grown = static_cast<MObject**>(platform::heap_allocate(static_cast<std::size_t>(larger) * (sizeof(MObject*) + sizeof(std::uint32_t))));
+    if (!grown)
+        return false;
+    std::copy_n(variables[level], used, grown);
+    std::copy_n(hashes(level), used, reinterpret_cast<std::uint32_t*>(grown + larger));
+    platform::heap_release(variables[level]);
+    variables[level] = grown;
+    capacity[level] = larger;
+    return true;
+}
+
+void variables_scope_t::append(unsigned level, MObject* variable)
+{
+    int const position = count[level]++;
+    variables[level][position] = variable;
+    hashes(level)[position] = hash_of(variable->getname());
+    variables_listed = 1;
 }
 
 bool variables_scope_t::list(MObject* variable)
 {
     if (!variable->getname() || find(variable->getname()) >= 0)
         return false;
-    int& used = count[depth];
-    if (used == capacity[depth]) {
-        int const larger = capacity[depth] * 2 + 4;
-        auto const grown = static_cast<MObject**>(platform::heap_allocate(static_cast<std::size_t>(larger) * sizeof(MObject*)));
-        if (!grown) {
-            error(messages::out_of_memory);
-            return false;
-        }
-        std::copy_n(variables[depth], used, grown);
-        platform::heap_release(variables[depth]);
-        variables[depth] = grown;
-        capacity[depth] = larger;
+    if (!make_room(depth)) {
+        error(messages::out_of_memory);
+        return false;
     }
-    variables[depth][used++] = variable;
+    append(depth, variable);
     return true;
 }
 
@@ -84,9 +144,11 @@ void variables_scope_t::Add(MObject* variable)
 
 void variables_scope_t::remove(unsigned level, int position)
 {
-    MObject** const first = variables[level] + position;
-    std::copy(first + 1, variables[level] + count[level], first);
-    --count[level];
+    int const behind = --count[level] - position;
+    MObject** const variable = variables[level] + position;
+    std::uint32_t* const hash = hashes(level) + position;
+    std::copy_n(variable + 1, behind, variable);
+    std::copy_n(hash + 1, behind, hash);
 }
 
 void variables_scope_t::Delete(MObject* variable)
@@ -98,12 +160,19 @@ void variables_scope_t::Delete(MObject* variable)
 
 void variables_scope_t::forget(MObject* variable)
 {
-    for (unsigned level = depth + 1; level-- > 0;) {
-        MObject** const end = variables[level] + count[level];
-        MObject** const found = std::find(variables[level], end, variable);
-        if (found != end)
-            return remove(level, static_cast<int>(found - variables[level]));
-    }
+    if (Place const place = place_of(variable); place.position >= 0)
+        remove(place.level, place.position);
+}
+
+void variables_scope_t::rename(MObject* variable)
+{
+    Place const place = place_of(variable);
+    if (place.position < 0)
+        return;
+    if (variable->getname())
+        hashes(place.level)[place.position] = hash_of(variable->getname());
+    else
+        remove(place.level, place.position);
 }
 
 void variables_scope_t::save(MObject* value, char const* name)
@@ -126,12 +195,14 @@ void variables_scope_t::save(MObject* value, char const* name)
     *kept = {value, kept_values};
     kept_values = kept;
     // Globals live at level 0, wherever the object that held the value ended.
-    unsigned const level = depth;
-    depth = 0;
-    bool const listed = list(value);
-    depth = level;
-    if (!listed)
+    bool const is_new = find(0, copy) < 0;
+    bool const has_room = is_new && make_room(0);
+    if (has_room)
+        append(0, value);
+    else
         discard(value);
+    if (is_new && !has_room)
+        error(messages::out_of_memory);
 }
 
 MObject* variables_scope_t::take_saved(char const* name)
@@ -161,7 +232,7 @@ void variables_scope_t::discard(MObject* value)
 
 variables_scope_t::~variables_scope_t()
 {
-    while (kept_values)
+    while (this == &variables_scope && kept_values)
         discard(kept_values->value);
     for (unsigned level = 0; level < levels; ++level) {
         platform::heap_release(variables[level]);

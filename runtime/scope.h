@@ -5,8 +5,11 @@
 #include "core/matrix.h"
 #include "runtime/errors.h"
 
+#include <cstdint>
+
 // Levels 0 to 256, each with the named variables of one translated call, in the order of their
-// construction. A translated function calls begin() on entry and end() on return.
+// construction. A translated function calls begin() on entry and end() on return. The search for a name
+// goes through the level in that order; hashes of the names lie behind each array of variables.
 struct ARRLIB_API variables_scope_t {
     static constexpr unsigned levels = 257;
 
@@ -27,9 +30,11 @@ struct ARRLIB_API variables_scope_t {
     void Delete(MObject* variable);
 
     // Position of a name at the current level, or -1.
-    int find(char const* name) const;
-    // Add, telling whether the variable was added.
+    int find(char const* name) const { return find(depth, name); }
+    // Add, telling whether the variable was added: "Out of memory!".
     bool list(MObject* variable);
+    // Follows a variable that has another name now, or none and leaves.
+    void rename(MObject* variable);
     // Removes the variable itself, at whatever level it stands.
     void forget(MObject* variable);
     // Keeps the value of a global whose object has ended, under a copy of its name.
@@ -42,9 +47,23 @@ struct ARRLIB_API variables_scope_t {
     ~variables_scope_t();
 
 private:
+    struct Place {
+        unsigned level;
+        int position;
+    };
+
+    std::uint32_t* hashes(unsigned level) const { return reinterpret_cast<std::uint32_t*>(variables[level] + capacity[level]); }
+    int find(unsigned level, char const* name) const;
+    // Where the variable itself stands; a position of -1 when it is not listed.
+    Place place_of(MObject const* variable) const;
+    bool make_room(unsigned level);
+    void append(unsigned level, MObject* variable);
     void remove(unsigned level, int position);
 };
 ARRLIB_API extern variables_scope_t variables_scope;
+
+// The entry points of a debugger or a host, which may look them up by name.
+extern "C" {
 
 // Turns the debugger mode on for good.
 ARRLIB_API void ive_set_mode();
@@ -54,16 +73,14 @@ ARRLIB_API char const* ive_var_name(int k);
 // Shows the variable of that name as a statement without a semicolon does, or prints
 // "Variable '%s' not found.". Returns 0.
 ARRLIB_API int ive_print(char const* name);
+
+}
+
 // For a host that has caught a thrown error: reports it (error_lasterr) and resets the scope.
 ARRLIB_API M<double> ive_cleanup();
 
 namespace arrlib {
 
-// Whether constructing a named variable has to ask the scope.
-inline bool scope_wants_named()
-{
-    return variables_watched || (nx_default_error_flags & nx_error_register);
-}
 // Whether such a variable is a global, whose value outlives it.
 inline bool scope_declares_globals()
 {

@@ -118,6 +118,35 @@ TEST_F(Scope, Holds256Levels)
     EXPECT_EQ(listed(), "");
 }
 
+// The search by name keeps up with variables that change theirs.
+TEST_F(Scope, VariablesAreFoundByTheNameTheyHave)
+{
+    Flags const flags(nx_error_register);
+    std::deque<std::string> names;
+    for (int k = 0; k < 100; ++k)
+        names.push_back("v" + std::to_string(k));
+    {
+        std::deque<M<double>> variables;
+        for (std::string const& name : names)
+            variables.emplace_back(name.c_str(), 1, 1);
+        for (int k = 0; k < 100; ++k)
+            EXPECT_EQ(variables_scope.find(names[static_cast<std::size_t>(k)].c_str()), k);
+        variables[40].setname("renamed");
+        variables[10].setname(nullptr);
+        variables_scope.begin();
+        variables[50].setname("below");
+        variables_scope.end();
+        M<double> const second("v40", 1, 1), first("v41", 1, 1);
+        EXPECT_EQ(ive_count_vars(), 100);
+        EXPECT_EQ(variables_scope.find("renamed"), 39);
+        EXPECT_EQ(variables_scope.find("below"), 49);
+        EXPECT_EQ(variables_scope.find("v10"), -1);
+        EXPECT_EQ(variables_scope.find("v99"), 98);
+        EXPECT_STREQ(ive_var_name(99), "v40");
+    }
+    EXPECT_EQ(listed(), "");
+}
+
 TEST_F(Scope, VariablesAreListedOnlyWhenAsked)
 {
     M<double> const quiet("quiet", 1, 1);
