@@ -144,9 +144,8 @@ bool fits_level5(M<double> const& matrix)
 char const* write_level5_header(DataOutput& file)
 {
     char text[256] = "", when[128] = "";
-    std::time_t const now = std::time(nullptr);
-    if (std::tm const* const local = std::localtime(&now))
-        std::strftime(when, sizeof when, "%a %b %d %H:%M:%S %Y", local);
+    std::tm const now = platform::local_time();
+    std::strftime(when, sizeof when, "%a %b %d %H:%M:%S %Y", &now);
     int const length = std::snprintf(text, sizeof text, "KORVEX 4.0 MAT-file, Platform: PCWIN, Created on: %s", when);
     std::memset(text + length, ' ', sizeof text - static_cast<std::size_t>(length));
     bool const done = file.put(text, version_offset) && file.put_value(version) && file.put_value(mark) && file.flush();

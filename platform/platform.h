@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <ctime>
 
 namespace arrlib::platform {
 
@@ -59,6 +60,8 @@ int processor_count();
 // The child of a fork has none of the parent's other threads; `forget` is called in it.
 void call_after_fork(void (*forget)());
 void sleep_milliseconds(unsigned milliseconds);
+// The time as clocks here show it, now; all zero when that is not known. For any thread.
+std::tm local_time();
 // The value of an environment variable, or null.
 char const* environment(char const* name);
 // Sets one, or removes it when `value` is null. No other thread may look at the environment meanwhile.

@@ -220,6 +220,14 @@ void sleep_milliseconds(unsigned milliseconds)
     }
 }
 
+std::tm local_time()
+{
+    std::tm local = {};
+    std::time_t const now = std::time(nullptr);
+    static_cast<void>(localtime_r(&now, &local));
+    return local;
+}
+
 char const* environment(char const* name)
 {
     return std::getenv(name);
