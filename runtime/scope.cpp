@@ -61,6 +61,7 @@ void variables_scope_t::begin()
 {
     if (depth + 1 >= levels) {
         error("Call stack too deep");
+        ++beyond;
         return;
     }
     ++depth;
@@ -68,6 +69,10 @@ void variables_scope_t::begin()
 
 void variables_scope_t::end()
 {
+    if (beyond > 0) {
+        --beyond;
+        return;
+    }
     if (depth == 0)
         return;
     count[depth] = 0;
@@ -76,6 +81,7 @@ void variables_scope_t::end()
 
 void variables_scope_t::reset()
 {
+    beyond = 0;
     while (depth > 0)
         end();
 }

@@ -18,7 +18,8 @@ struct ARRLIB_API variables_scope_t {
     int count[levels];
     int capacity[levels];
 
-    // Enters a level: "Call stack too deep" for the 257th.
+    // Enters a level: "Call stack too deep" for the 257th. Where the report returns, the call shares the
+    // deepest level, and its end() leaves that as it is.
     void begin();
     // Leaves the level and forgets its variables; nothing at level 0.
     void end();
@@ -59,6 +60,9 @@ private:
     bool make_room(unsigned level);
     void append(unsigned level, MObject* variable);
     void remove(unsigned level, int position);
+
+    // Calls that found no level of their own.
+    unsigned beyond;
 };
 ARRLIB_API extern variables_scope_t variables_scope;
 

@@ -105,14 +105,20 @@ TEST_F(Scope, Holds256Levels)
         variables_scope.begin();
     EXPECT_EQ(variables_scope.depth, 256u);
     EXPECT_TRUE(reports.all().empty());
-    variables_scope.begin();
-    variables_scope.begin();
-    EXPECT_EQ(reports.all(), (Texts{"Call stack too deep", "Call stack too deep"}));
+    for (int k = 256; k < 300; ++k)
+        variables_scope.begin();
+    EXPECT_EQ(reports.all(), Texts(44, "Call stack too deep"));
     EXPECT_EQ(variables_scope.depth, 256u);
     M<double> deepest;
     deepest.setname("deepest");
     variables_scope.Add(&deepest);
     EXPECT_EQ(listed(), "deepest");
+    // The calls that have no level of their own leave the others theirs.
+    for (int k = 256; k < 300; ++k)
+        variables_scope.end();
+    EXPECT_EQ(listed(), "deepest");
+    variables_scope.end();
+    EXPECT_EQ(variables_scope.depth, 255u);
     variables_scope.reset();
     EXPECT_EQ(variables_scope.depth, 0u);
     EXPECT_EQ(listed(), "");
