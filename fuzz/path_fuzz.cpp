@@ -34,7 +34,7 @@ void check_sound(mpath_t const& path)
 {
     std::string const all = written(path, &mpath_t::get, mpath_t::room);
     check(path.length() < mpath_t::room && (path.length() == 0 ? all.empty() : all.size() == path.length() - 1));
-    for (std::size_t const size : {0, 1, 5, 40})
+    for (std::size_t const size : {std::size_t{0}, std::size_t{1}, std::size_t{5}, std::size_t{40}})
         check(written(path, &mpath_t::get, size) == all.substr(0, size ? size - 1 : 0));
     for (std::size_t const size : {std::size_t{0}, std::size_t{3}, std::size_t{60}, mpath_t::room})
         check(written(path, &mpath_t::list, size).find("private") == std::string::npos);

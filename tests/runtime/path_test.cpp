@@ -25,7 +25,7 @@ std::string listed(mpath_t const& path, std::size_t size = mpath_t::room)
 }
 
 // What add_line makes of a line.
-std::string line(std::string const& text)
+[[maybe_unused]] std::string line(std::string const& text)
 {
     mpath_t path;
     path.add_line(text.c_str());
@@ -61,6 +61,7 @@ TEST(Path, SetAndGet)
     path.get(nullptr, 0);
 }
 
+#if !defined(_WIN32) // full paths have another form there
 TEST(Path, OneLineOfAList)
 {
     std::string const here = shown(cd()).substr(1, shown(cd()).size() - 2);
@@ -81,6 +82,7 @@ TEST(Path, OneLineOfAList)
         {line("/\x01\x7F\xFF"), "/\x01\x7F\xFF"},
     });
 }
+#endif
 
 TEST(Path, RoomIsFixed)
 {
