@@ -9,6 +9,7 @@
 // What a translated program passes to initM.
 #define ARRLIB_HEADER_VERSION 4010
 
+#include "bridge/module.h"
 #include "core/api.h"
 #include "core/bracket.h"
 #include "core/cell.h"

@@ -151,6 +151,27 @@ int run_command(char const* command);
 std::FILE* start_command(char const* command);
 int finish_command(std::FILE* output);
 
+// --- modules ------------------------------------------------------------------------------------
+
+// A dynamic library that is loaded. The system keeps one copy of each and counts its loads.
+using Module = void*;
+// The endings of their file names, in the order to try them in.
+#if defined(_WIN32)
+inline constexpr int module_endings = 1;
+#else
+inline constexpr int module_endings = 2;
+#endif
+extern char const* const module_ending[module_endings];
+// Counts one more load of the module that has been loaded from a file of this name; null when there is none.
+Module count_module(char const* file);
+// Loads the file, looked for in the program's folder, in the working folder and where the system looks
+// for libraries. Null on failure; `there` is then true where a file of that name was found.
+Module load_module(char const* file, bool* there);
+// The address of what the module exports under the name, or null.
+void* find_in_module(Module module, char const* symbol);
+// Takes one load back; the last one unloads the module.
+void unload_module(Module module);
+
 } // namespace arrlib::platform
 
 #endif

@@ -1,0 +1,2 @@
+/* The name under which module sources include the array API. */
+#include "bridge/mx.h"
