@@ -18,6 +18,10 @@ endfunction()
 
 set(arrlib_public_headers)
 arrlib_follow_includes(arrlib.h arrlib_public_headers)
+# What modules include, and the names under which they do.
+foreach(header bridge/mx.h bridge/mex/mex.h bridge/mex/matrix.h)
+  arrlib_follow_includes(${header} arrlib_public_headers)
+endforeach()
 
 set(arrlib_include_dir ${CMAKE_INSTALL_INCLUDEDIR}/arrlib)
 set(arrlib_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/arrlib)
@@ -30,10 +34,11 @@ endforeach()
 
 install(EXPORT arrlibTargets NAMESPACE arrlib:: DESTINATION ${arrlib_package_dir})
 configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/arrlibConfig.cmake.in
-  ${PROJECT_BINARY_DIR}/arrlibConfig.cmake INSTALL_DESTINATION ${arrlib_package_dir})
+  ${PROJECT_BINARY_DIR}/arrlibConfig.cmake INSTALL_DESTINATION ${arrlib_package_dir}
+  PATH_VARS arrlib_include_dir)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/arrlibConfigVersion.cmake COMPATIBILITY SameMinorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/arrlibConfig.cmake ${PROJECT_BINARY_DIR}/arrlibConfigVersion.cmake
-  DESTINATION ${arrlib_package_dir})
+  ${PROJECT_SOURCE_DIR}/cmake/arrlib_module.cmake DESTINATION ${arrlib_package_dir})
 
 # The installed tree may be moved, so the file finds its prefix from where it lies itself.
 set(arrlib_pc_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
