@@ -62,14 +62,15 @@ void set_part(M<double>& array, ElementPart part, int i, int j, double value)
         return;
     }
     M<double> const& before = array;
-    double const re = part == ElementPart::real ? value : before.r(i, j);
-    double const im = part == ElementPart::real ? before.i(i, j) : value;
-    M<double> element(array.isc() || part == ElementPart::imaginary, 1, 1);
+    bool const is_real = part == ElementPart::real;
+    // Reports a place outside under the part's name.
+    is_real ? before.r(i, j) : before.i(i, j);
+    M<double> element(array.isc() || !is_real, 1, 1);
     if (!has_storage(element))
         return;
-    *element.addr() = re;
+    *element.addr() = is_real ? value : before.r(i, j);
     if (element.isc())
-        *element.addi() = im;
+        *element.addi() = is_real ? before.i(i, j) : value;
     array(i, j) = element;
 }
 

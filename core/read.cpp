@@ -23,16 +23,6 @@ void arrlib::proxy_misused(char const* message)
     end_process();
 }
 
-template <> M<double> arrlib::x_M_of()
-{
-    return x_M;
-}
-
-template <> M<M<double>> arrlib::x_M_of()
-{
-    return {};
-}
-
 namespace {
 
 constexpr char linear_message[] = "%s(%s) : Index out of matrix. Index value was %s however the indexed matrix has %s elements.";

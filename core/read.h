@@ -4,6 +4,9 @@
 
 #include "core/odometer.h"
 #include "core/subscript.h"
+#include "runtime/constants.h"
+
+#include <type_traits>
 
 namespace arrlib {
 
@@ -14,7 +17,13 @@ template <class T> M<T> read(Mr<T> const& selection);
 template <class T> M<T> read(Sr<T> const& selection);
 
 // The neutral result: x_M, or an empty cell array.
-template <class T> M<T> x_M_of();
+template <class T> M<T> x_M_of()
+{
+    if constexpr (std::is_same_v<T, double>)
+        return x_M;
+    else
+        return {};
+}
 
 // True when every index selects at most one element: "%s{%s} : indexed more than one element",
 // "%s{%s,%s} : indexed more than one element".
