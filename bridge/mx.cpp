@@ -54,11 +54,36 @@ int used_dims(int ndims, int const* dims)
     return ndims;
 }
 
-// One part of an element. A sparse array takes a new entry and stays sparse.
+int columns(M<double> const& array)
+{
+    return array.rows() > 0 ? array.size() / array.rows() : 0;
+}
+
+// The subscript of row i and column j, columns counted through all further dimensions; 0 outside.
+double subscript(M<double> const& array, int i, int j)
+{
+    bool const inside = i >= 1 && i <= array.rows() && j >= 1 && j <= columns(array);
+    return inside ? static_cast<double>(array.rows()) * (j - 1) + i : 0;
+}
+
+// One part of an element. A place outside goes on to the accessor that reports rows and columns.
+double part_of(M<double> const& array, ElementPart part, int i, int j)
+{
+    double const k = subscript(array, i, j);
+    if (part == ElementPart::real)
+        return k > 0 ? array.r(k) : array.r(i, j);
+    return k > 0 ? array.i(k) : array.i(i, j);
+}
+
+// A sparse array takes a new entry and stays sparse.
 void set_part(M<double>& array, ElementPart part, int i, int j, double value)
 {
     if (!array.issparse()) {
-        (part == ElementPart::real ? array.r(i, j) : array.i(i, j)) = value;
+        double const k = subscript(array, i, j);
+        if (part == ElementPart::real)
+            (k > 0 ? array.r(k) : array.r(i, j)) = value;
+        else
+            (k > 0 ? array.i(k) : array.i(i, j)) = value;
         return;
     }
     M<double> const& before = array;
@@ -192,12 +217,12 @@ double mxGetScalar(mxArray const* array)
 
 double mxGetR(mxArray const* array, int i, int j)
 {
-    return given(array, "mxGetR") ? array->r(i, j) : 0;
+    return given(array, "mxGetR") ? part_of(*array, ElementPart::real, i, j) : 0;
 }
 
 double mxGetI(mxArray const* array, int i, int j)
 {
-    return given(array, "mxGetI") ? array->i(i, j) : 0;
+    return given(array, "mxGetI") ? part_of(*array, ElementPart::imaginary, i, j) : 0;
 }
 
 void mxSetR(mxArray* array, int i, int j, double value)
@@ -233,10 +258,7 @@ int mxGetM(mxArray const* array)
 
 int mxGetN(mxArray const* array)
 {
-    if (!given(array, "mxGetN"))
-        return 0;
-    int const rows = array->rows();
-    return rows > 0 ? array->size() / rows : array->cols();
+    return given(array, "mxGetN") ? columns(*array) : 0;
 }
 
 int const* mxGetDimensions(mxArray const* array)

@@ -32,7 +32,11 @@
 #else
 #define ARRLIB_MX_ENTRY __attribute__((visibility("default")))
 #endif
+#if defined(__GNUC__)
 #define ARRLIB_MX_NORETURN __attribute__((noreturn))
+#else
+#define ARRLIB_MX_NORETURN
+#endif
 
 // An array is known by its address only. Where the values of programs are known, it is one of them.
 #if defined(__cplusplus) && defined(ARRLIB_CORE_API_H)
@@ -113,8 +117,8 @@ ARRLIB_MX_API void *mxGetData(const mxArray *array);
 ARRLIB_MX_API void *mxGetImagData(const mxArray *array);
 // The first element's real part; 0.0 for an empty array.
 ARRLIB_MX_API double mxGetScalar(const mxArray *array);
-// The real and the imaginary part in row i and column j, counted from 1; the imaginary part of a real
-// array is 0. A place outside ends the program after its report: "%s.r(row,col): row or col out of
+// The real and the imaginary part in row i and column j, counted from 1, columns through all further
+// dimensions; the imaginary part of a real array is 0. A place outside ends the program after its report: "%s.r(row,col): row or col out of
 // matrix", the same with "i".
 ARRLIB_MX_API double mxGetR(const mxArray *array, int i, int j);
 ARRLIB_MX_API double mxGetI(const mxArray *array, int i, int j);

@@ -19,6 +19,9 @@ constexpr char ending[] = ".dll";
 constexpr char ending[] = ".so";
 #endif
 
+// Where the modules are, and this program.
+std::filesystem::path const modules = MODULES;
+
 std::string module_file(std::string const& name)
 {
     return name + "_korvex" + ending;
@@ -148,10 +151,10 @@ TEST_F(Modules, AreFoundByFolderAndEnding)
 {
     std::string const not_loaded = "0x0: -> Could not load there_korvex.";
     auto const there = [] { return call("there", 1, {text("all")}); };
-    std::filesystem::path const folder = folder_before_ / "module_test.folder";
+    std::filesystem::path const folder = modules / "module_test.folder";
     std::filesystem::remove_all(folder);
     std::filesystem::create_directory(folder);
-    auto const place = [&](char const* module, char const* file) { std::filesystem::copy_file(folder_before_ / module_file(module), folder / file); };
+    auto const place = [&](char const* module, char const* file) { std::filesystem::copy_file(modules / module_file(module), folder / file); };
     auto const place_text = [&](std::string const& file) { std::ofstream(folder / file) << "not a library"; };
     std::filesystem::current_path(folder);
     EXPECT_EQ(there(), not_loaded + "dll");
@@ -179,7 +182,7 @@ TEST_F(Modules, AreFoundByFolderAndEnding)
     // The program's folder comes before the working folder; names may have folders.
     place_text(module_file("commands"));
     EXPECT_EQ(command("all", 1), "1x1: 1");
-    EXPECT_EQ(call((folder_before_ / "commands").string().c_str(), 1, {}), "1x1: 1");
+    EXPECT_EQ(call((modules / "commands").string().c_str(), 1, {}), "1x1: 1");
     expect_all({{call("", 1, {}), "0x0: -> Could not load _korvex.dll"},
                 {call(nullptr, 1, {}), "0x0: -> Could not load _korvex.dll"},
                 {call("no_entry", 2, {}), "0x0: | 0x0: -> Could not find mexFunction"}});

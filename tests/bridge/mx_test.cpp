@@ -94,6 +94,12 @@ TEST(ArrayApi, ReadsAndWritesElements)
     EXPECT_EQ(mxGetScalar(s.get()), 1);
     M<double> const nothing;
     EXPECT_EQ(mxGetScalar(&nothing), 0);
+    M<double> deep = nd({2, 1, 3}, {1, 2, 3, 4, 5, 6});
+    mxSetR(&deep, 2, 3, 7);
+    mxSetI(&deep, 1, 2, 8);
+    EXPECT_EQ(mxGetR(&deep, 2, 3), 7);
+    EXPECT_EQ(deep.addi()[2], 8);
+    EXPECT_EQ(thrown_by([&] { mxSetI(&deep, 1, 4, 1); }), "Error: (temporary).i(row,col): row or col out of matrix\n\n");
     // Outside: the report is thrown here, and ends the process where it returns.
     for (int const j : {0, 3, INT_MAX, INT_MIN}) {
         EXPECT_EQ(thrown_by([&] { mxSetR(s.get(), 1, j, 1); }), "Error: (temporary).r(row,col): row or col out of matrix\n\n");

@@ -1,7 +1,7 @@
 # Installs the built library into a fresh folder, builds the program there in one way (find_package
 # or pkg_config) and compares what it prints.
 #
-# Given: way, library_build, work, libdir, compiler, pkg_config.
+# Given: way, library_build, work, libdir, compiler, c_compiler, pkg_config.
 cmake_minimum_required(VERSION 3.25)
 
 set(program_dir ${CMAKE_CURRENT_LIST_DIR}/program)
@@ -18,6 +18,7 @@ endfunction()
 
 function(build_through_find_package)
   run(${CMAKE_COMMAND} -S ${program_dir} -B ${build} -G Ninja -D CMAKE_CXX_COMPILER=${compiler}
+      -D CMAKE_C_COMPILER=${c_compiler}
       -D CMAKE_CXX_STANDARD=17 -D CMAKE_PREFIX_PATH=${prefix})
   run(${CMAKE_COMMAND} --build ${build})
 endfunction()
@@ -29,6 +30,7 @@ function(build_through_pkg_config)
   file(MAKE_DIRECTORY ${build})
   run(${compiler} -std=c++17 ${program_dir}/main.cpp -o ${build}/program ${flags}
       -Wl,-rpath,${prefix}/${libdir})
+  run(${c_compiler} -std=c11 -shared -fPIC -fexceptions ${program_dir}/twice.c -o ${build}/twice_korvex.so ${flags})
 endfunction()
 
 file(REMOVE_RECURSE ${work})

@@ -3,7 +3,7 @@
 #include <cstdio>
 
 // Touches each kind of thing that crosses the library's boundary: values, constants, subscripts,
-// hooks, a thrown error.
+// hooks, a thrown error, an extension module.
 int main()
 {
     initM(ARRLIB_HEADER_VERSION);
@@ -19,5 +19,10 @@ int main()
     } catch (char* text) {
         std::printf("%s", text);
     }
+    M<double>* in[] = {&pi};
+    M<double>* out[64];
+    call_mex("twice", 1, out, 1, in);
+    disp(*out[0]);
+    delete out[0];
     exitM();
 }
