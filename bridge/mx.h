@@ -38,7 +38,8 @@
 #define ARRLIB_MX_NORETURN
 #endif
 
-// An array is known by its address only. Where the values of programs are known, it is one of them.
+// An array is known by its address only. In C++ behind arrlib.h it is a value of programs, with all that
+// they can do.
 #if defined(__cplusplus) && defined(ARRLIB_CORE_API_H)
 typedef M<double> mxArray;
 #else
@@ -77,7 +78,7 @@ ARRLIB_MX_API void *mxCalloc(size_t count, size_t size);
 // `size` bytes, not initialised; null when there is no room.
 ARRLIB_MX_API void *mxMalloc(size_t size);
 // The block in a new size, perhaps elsewhere; a new block for a null one. Null when there is no room,
-// and the old block is as it was.
+// and the old block is as it was; null for size 0 of a block, which is given back.
 ARRLIB_MX_API void *mxRealloc(void *block, size_t size);
 // Gives a block of these three back; null is nothing.
 ARRLIB_MX_API void mxFree(void *block);
@@ -127,7 +128,7 @@ ARRLIB_MX_API double mxGetI(const mxArray *array, int i, int j);
 ARRLIB_MX_API void mxSetR(mxArray *array, int i, int j, double value);
 ARRLIB_MX_API void mxSetI(mxArray *array, int i, int j, double value);
 // The characters, in storage order, and a zero byte, `length` bytes at most; returns 0. Longer text is
-// cut with the warning "Mstr: buffer too small - chopped". Nothing is written where `length` is below 1.
+// cut with the warning "Mstr: buffer too small - chopped", and shown as cut. Nothing is written where `length` is below 1.
 ARRLIB_MX_API int mxGetString(const mxArray *array, char *buffer, int length);
 
 // --- sizes and name ---------------------------------------------------------------------------------

@@ -68,23 +68,22 @@ class Declarations:
     def walk(self, node, in_exported_class, in_template):
         kind, name = node.get("kind"), node.get("mangledName")
         if kind in self.FUNCTIONS and name and not node.get("explicitlyDeleted") and not node.get("isImplicit"):
-            if self.is_marked(node) or in_exported_class:
+            marked = self.is_marked(node)
+            if marked or in_exported_class:
                 self.allowed.add(name)
-                if node.get("storageClass") != "static" or in_exported_class:
-                    # What is inline is exported where it belongs to a template that the library instantiates.
-                    if not self.is_inline(node) and not (in_template and not self.is_marked(node)):
-                        self.required.add(name)
+            # Members of a template are exported where the library instantiates it.
+            if (marked or (in_exported_class and not in_template)) and not self.is_inline(node):
+                self.required.add(name)
         elif kind == "VarDecl" and name and self.is_marked(node):
             self.required.add(name)
         exported_class = False
         if kind in self.CLASSES:
-            of_template = kind != "CXXRecordDecl"
-            exported_class = self.is_marked(node) or (of_template and node.get("name") in self.exported_templates)
+            in_template = kind != "CXXRecordDecl"
+            exported_class = self.is_marked(node) or (in_template and node.get("name") in self.exported_templates)
             if exported_class and node.get("name"):
                 self.classes.add(node["name"])
-            in_template = of_template
-        for child in self.children(node):
-            if kind not in self.FUNCTIONS:
+        if kind not in self.FUNCTIONS:
+            for child in self.children(node):
                 self.walk(child, exported_class or (in_exported_class and kind in self.CLASSES), in_template)
 
 
@@ -96,6 +95,7 @@ def main():
     exported = exported_by(nm, library)
     required = demangled(declarations.required) - NOT_OURS
     allowed = required | demangled(declarations.allowed)
+
     def belongs(name):
         for prefix in CLASS_DATA:
             if name.startswith(prefix):
