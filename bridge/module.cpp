@@ -41,7 +41,7 @@ class Outputs {
 public:
     static constexpr int slots = 64;
 
-    Outputs(M<double>** slot, int inputs, M<double>* const* input) : slot_(slot ? slot : own_), inputs_(input ? inputs : 0), input_(input), kept_(false)
+    Outputs(M<double>** slot, int inputs, M<double>* const* input) : slot_(slot ? slot : own_), inputs_(inputs), input_(input)
     {
         std::fill_n(slot_, slots, nullptr);
     }
@@ -81,7 +81,7 @@ private:
     M<double>** slot_;
     int inputs_;
     M<double>* const* input_;
-    bool kept_;
+    bool kept_ = false;
     M<double>* own_[slots] = {};
 };
 

@@ -154,7 +154,9 @@ TEST_F(Modules, AreFoundByFolderAndEnding)
     std::filesystem::path const folder = modules / "module_test.folder";
     std::filesystem::remove_all(folder);
     std::filesystem::create_directory(folder);
-    [[maybe_unused]] auto const place = [&](char const* module, char const* file) { std::filesystem::copy_file(modules / module_file(module), folder / file); };
+    [[maybe_unused]] auto const place = [&](char const* module, char const* file) {
+        std::filesystem::copy_file(modules / module_file(module), folder / file);
+    };
     auto const place_text = [&](std::string const& file) { std::ofstream(folder / file) << "not a library"; };
     std::filesystem::current_path(folder);
     EXPECT_EQ(there(), not_loaded + "dll");

@@ -44,10 +44,12 @@ TEST(ArrayApi, MakesArrays)
                 {shown(mxCreateString("ab")), values::shown(text("ab"))},
                 {shown(mxCreateString("")), values::shown(text(""))},
                 {shown(mxCreateString(nullptr)), values::shown(text(""))},
-                {reported_by([&] { EXPECT_EQ(mxCreateNumericArray(5, five, mxDOUBLE_CLASS, mxREAL), nullptr); }), "mxCreateNumericArray: too many dimensions"},
+                {reported_by([&] { EXPECT_EQ(mxCreateNumericArray(5, five, mxDOUBLE_CLASS, mxREAL), nullptr); }),
+                 "mxCreateNumericArray: too many dimensions"},
                 {reported_by([] { EXPECT_EQ(mxCreateDoubleMatrix(INT_MAX, INT_MAX, mxREAL), nullptr); }), "Out of memory!"},
                 {reported_by([] { EXPECT_EQ(mxCreateSparse(INT_MAX, INT_MAX, INT_MAX, mxREAL), nullptr); }), "sparse: matrix is too large"},
-                {warned_by([&] { shown(mxCreateNumericArray(1, one, mxINT16_CLASS, mxREAL)); }), "mxCreateNumericArray: elements are of class double"}});
+                {warned_by([&] { shown(mxCreateNumericArray(1, one, mxINT16_CLASS, mxREAL)); }),
+                 "mxCreateNumericArray: elements are of class double"}});
     EXPECT_EQ(mxGetNzmax(Array(mxCreateSparse(3, 4, 5, mxCOMPLEX)).get()), 5);
     EXPECT_EQ(mxGetNzmax(Array(mxCreateSparse(3, 4, 100, mxREAL)).get()), 12);
     mxDestroyArray(nullptr);
@@ -73,7 +75,8 @@ TEST(ArrayApi, ReadsAndWritesElements)
     M<double> const shared = x;
     mxSetR(&x, 2, 3, -6);
     mxSetI(&x, 1, 2, 7);
-    expect_all({{values::shown(x), values::shown(matrix(2, 3, {1, 4, 2, 5, 3, -6}, {0, 0, 7, 0, 0, 0}))}, {values::shown(shared), "2x3: 1 4 2 5 3 6"}});
+    expect_all({{values::shown(x), values::shown(matrix(2, 3, {1, 4, 2, 5, 3, -6}, {0, 0, 7, 0, 0, 0}))},
+                {values::shown(shared), "2x3: 1 4 2 5 3 6"}});
     EXPECT_EQ(mxGetR(&x, 2, 3), -6);
     EXPECT_EQ(mxGetI(&x, 1, 2), 7);
     EXPECT_EQ(mxGetI(&shared, 1, 2), 0);
@@ -143,7 +146,8 @@ TEST(ArrayApi, TellsAndSetsSizes)
     EXPECT_EQ(mxGetNumberOfElements(&s), 4);
     M<double> const nothing;
     EXPECT_EQ(mxGetN(&nothing), 0);
-    int const flat[] = {24, 1, 1, 1, 1}, wrong[] = {5, 5}, five[] = {1, 1, 1, 1, 24}, huge[] = {INT_MAX, INT_MAX}, column[] = {4, 1}, deep[] = {2, 1, 2};
+    int const flat[] = {24, 1, 1, 1, 1}, wrong[] = {5, 5}, five[] = {1, 1, 1, 1, 24}, huge[] = {INT_MAX, INT_MAX};
+    int const column[] = {4, 1}, deep[] = {2, 1, 2};
     auto const set = [](M<double>& array, int const* dims, int ndims) {
         return reported_by([&] { EXPECT_EQ(mxSetDimensions(&array, dims, ndims), 0); });
     };
@@ -170,8 +174,8 @@ TEST(ArrayApi, TellsKinds)
         char const* kinds;
     };
     // Text twice, complex, sparse, full, empty, logical, then classes by name.
-    for (Row const& r : {Row{&number, "0000100 100"}, {&word, "1100100 010"}, {&spread, "0001000 101"}, {&complex, "0010100 100"}, {&nothing, "0000110 100"},
-                         {&truth, "0000101 100"}}) {
+    for (Row const& r : {Row{&number, "0000100 100"}, {&word, "1100100 010"}, {&spread, "0001000 101"}, {&complex, "0010100 100"},
+                         {&nothing, "0000110 100"}, {&truth, "0000101 100"}}) {
         mxArray const* const a = r.array;
         std::string kinds;
         for (int const is : {mxIsChar(a), mxIsString(a), mxIsComplex(a), mxIsSparse(a), mxIsFull(a), mxIsEmpty(a), mxIsLogical(a)})
@@ -229,7 +233,9 @@ TEST(ArrayApi, ServesDoubleAlone)
     EXPECT_FALSE(out[0]->isstr() || out[0]->islogical());
     EXPECT_EQ(shown(out[0]), "1x2: 65 66");
     EXPECT_EQ(mexCallMATLAB(0, nullptr, 1, in, "double"), 0);
-    auto const call = [&](int nlhs, int nrhs, char const* name) { return reported_by([&] { EXPECT_EQ(mexCallMATLAB(nlhs, out, nrhs, in, name), 1); }); };
+    auto const call = [&](int nlhs, int nrhs, char const* name) {
+        return reported_by([&] { EXPECT_EQ(mexCallMATLAB(nlhs, out, nrhs, in, name), 1); });
+    };
     expect_all({{call(1, 1, "sin"), "mexCallMATLAB:sin is not available"},
                 {call(1, 1, nullptr), "mexCallMATLAB: is not available"},
                 {call(1, 2, "double"), "mexCallMATLAB: wrong number of arguments"},
