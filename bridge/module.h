@@ -12,7 +12,8 @@
 // plhs has 64 slots, whatever nlhs says: all are cleared, and the module stores its outputs there,
 // which the caller ends with delete. Slots 0 to nlhs-1 hold a matrix afterwards: an output that the
 // module has not given is reported and empty, "call_mex: not all output arguments were assigned when
-// calling %s." A null plhs takes no outputs. nlhs and nrhs are truncated.
+// calling %s." (A slot stays null where there is no memory for that, after a report.) A null plhs takes no
+// outputs. nlhs and nrhs are truncated.
 // "Could not load %s", with the file's name; "Could not find %s", with mexFunction, for a library
 // without it; "call_mex: more than 64 output arguments when calling %s." After these reports all
 // outputs are empty. An exception, such as an error of the throwing mode, passes through, after the
