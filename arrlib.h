@@ -10,6 +10,10 @@
 #define ARRLIB_HEADER_VERSION 4010
 
 #include "bridge/module.h"
+#include "builtins/elfun.h"
+#include "builtins/integers.h"
+#include "builtins/stubs.h"
+#include "builtins/types.h"
 #include "core/api.h"
 #include "core/bracket.h"
 #include "core/cell.h"

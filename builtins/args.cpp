@@ -221,6 +221,9 @@ OperandPair::OperandPair(char const* builtin, M<double> const& a, M<double> cons
 {
     if (!has_storage(a_) || !has_storage(b_))
         return;
+    ok_ = a.size() < 1 || b.size() < 1;
+    if (ok_)
+        return;
     Dims const of_a = shape_of(a), of_b = shape_of(b);
     if (!spread_a_ && !spread_b_ && !std::equal(of_a.size, of_a.size + max_dims, of_b.size)) {
         error("%s: wrong dimensions of: %s, %s", builtin, OperandName(a), OperandName(b));
