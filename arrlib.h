@@ -10,8 +10,12 @@
 #define ARRLIB_HEADER_VERSION 4010
 
 #include "bridge/module.h"
+#include "builtins/cells.h"
+#include "builtins/coordinates.h"
+#include "builtins/deal.h"
 #include "builtins/elfun.h"
 #include "builtins/integers.h"
+#include "builtins/rational.h"
 #include "builtins/stubs.h"
 #include "builtins/types.h"
 #include "core/api.h"

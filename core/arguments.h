@@ -6,6 +6,7 @@
 #include "core/matrix.h"
 
 #include <climits>
+#include <initializer_list>
 
 namespace arrlib {
 
@@ -35,6 +36,12 @@ struct SizeList {
     }
     bool fits() const { return count <= max_dims; }
 };
+
+enum class SizesRead { done, empty, reported };
+// The sizes that the arguments of `builtin` ask for, as zeros takes them: one argument is n, for n x n,
+// or a list of sizes; several are a size each, nop_M among them being left out. Empty when one of them
+// is. "%s: expecting scalar argument", "%s: too many dimensions".
+SizesRead read_sizes(char const* builtin, std::initializer_list<M<double> const*> arguments, SizeList& sizes);
 
 } // namespace arrlib
 

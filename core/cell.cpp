@@ -78,12 +78,11 @@ M<double> row_text(M<double> const& S, int row)
     return text;
 }
 
-M<M<double>> cells_of(SizeList const& sizes)
+M<M<double>> empty_cells(std::initializer_list<M<double> const*> arguments)
 {
-    if (!sizes.fits()) {
-        error("cell: too many dimensions");
+    SizeList sizes;
+    if (read_sizes("cell", arguments, sizes) != SizesRead::done)
         return x_M_of<M<double>>();
-    }
     return Access<M<double>>::full(false, Dims(max_dims, sizes.size));
 }
 
@@ -91,18 +90,22 @@ M<M<double>> cells_of(SizeList const& sizes)
 
 M<M<double>> cell(M<double> const& n)
 {
-    if (n.size() == 1)
-        return cell(n, n);
-    return cells_of(SizeList(n));
+    return empty_cells({&n});
 }
 
 M<M<double>> cell(M<double> const& m, M<double> const& n)
 {
-    SizeList sizes;
-    sizes.count = 2;
-    sizes.size[0] = integer_argument(m);
-    sizes.size[1] = integer_argument(n);
-    return cells_of(sizes);
+    return empty_cells({&m, &n});
+}
+
+M<M<double>> cell(M<double> const& m, M<double> const& n, M<double> const& p)
+{
+    return empty_cells({&m, &n, &p});
+}
+
+M<M<double>> cell(M<double> const& m, M<double> const& n, M<double> const& p, M<double> const& q)
+{
+    return empty_cells({&m, &n, &p, &q});
 }
 
 M<M<double>> cellstr(M<double> const& S)

@@ -4,10 +4,13 @@
 
 #include "core/matrix.h"
 
-// A cell array of empty cells: n x n, or of the sizes in the list n; m x n. "cell: too many
-// dimensions" for more than four sizes.
+// A cell array of empty cells: n x n, or of the sizes in the list n; of two to four sizes. Sizes are
+// read as those of zeros are. "cell: too many dimensions" for more than four sizes, "cell: expecting
+// scalar argument".
 ARRLIB_API M<M<double>> cell(M<double> const& n);
 ARRLIB_API M<M<double>> cell(M<double> const& m, M<double> const& n);
+ARRLIB_API M<M<double>> cell(M<double> const& m, M<double> const& n, M<double> const& p);
+ARRLIB_API M<M<double>> cell(M<double> const& m, M<double> const& n, M<double> const& p, M<double> const& q);
 
 // A column of cells, one per row of the text, without trailing blanks; a cell array as it is.
 ARRLIB_API M<M<double>> cellstr(M<double> const& S);

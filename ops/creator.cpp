@@ -16,46 +16,6 @@ namespace {
 
 using Arguments = std::initializer_list<M<double> const*>;
 
-enum class Reading { done, empty, reported };
-
-Reading refuse(char const* message)
-{
-    error(message);
-    return Reading::reported;
-}
-
-bool is_omitted(M<double> const& argument)
-{
-    return argument.size() == 0 && argument.issamename(nop_M.getname());
-}
-
-// The sizes that the arguments ask for.
-Reading read_sizes(Arguments arguments, SizeList& sizes)
-{
-    int given = 0;
-    bool scalars = true;
-    for (M<double> const* const argument : arguments) {
-        if (given > 0 && is_omitted(*argument))
-            continue;
-        if (argument->size() == 0)
-            return Reading::empty;
-        scalars = scalars && argument->size() == 1;
-        if (given == 0)
-            sizes = SizeList(*argument);
-        else if (given < max_dims)
-            sizes.size[given] = integer_argument(*argument);
-        ++given;
-    }
-    if (given == 1 && scalars)
-        sizes.size[1] = sizes.size[0];
-    if (given > 1) {
-        if (!scalars)
-            return refuse("eye01: expecting scalar argument");
-        sizes.count = given;
-    }
-    return sizes.fits() ? Reading::done : refuse("eye01: too many dimensions");
-}
-
 void fill(double* to, int count, double value)
 {
     // A thread that gets less than this costs more than it saves.
@@ -68,12 +28,12 @@ void fill(double* to, int count, double value)
 M<double> arrlib::eye01(int code, Arguments arguments)
 {
     SizeList sizes;
-    Reading const reading = read_sizes(arguments, sizes);
-    if (reading != Reading::done)
-        return reading == Reading::empty ? nop_M : x_M;
+    SizesRead const read = read_sizes("eye01", arguments, sizes);
+    if (read != SizesRead::done)
+        return read == SizesRead::empty ? nop_M : x_M;
     Dims const shape(max_dims, sizes.size);
     if (code == create_identity && shape.ndims > 2) {
-        refuse("eye01: too many dimensions");
+        error("eye01: too many dimensions");
         return x_M;
     }
     if (code < create_zeros || code > create_normal) {
