@@ -84,17 +84,15 @@ constexpr CellFunction cell_functions[] = {
 
 // --- cell2mat ------------------------------------------------------------------------------------
 
-// Joins `count` values, `step` apart, halves first: every element is moved a few times only. False after
-// a report.
-bool join_all(int dim, M<double> const* first, std::ptrdiff_t step, int count, M<double>& joined)
+// Joins `count` values from number `first` on, which `part` delivers, halves first: every element is
+// moved a few times only. False after a report.
+template <class Part> bool join_all(int dim, int first, int count, Part part, M<double>& joined)
 {
-    if (count == 1) {
-        joined = share(*first);
-        return true;
-    }
+    if (count == 1)
+        return part(first, joined);
     int const half = count / 2;
     M<double> front, back;
-    return join_all(dim, first, step, half, front) && join_all(dim, first + half * step, step, count - half, back) && join(dim, front, back, joined);
+    return join_all(dim, first, half, part, front) && join_all(dim, first + half, count - half, part, back) && join(dim, front, back, joined);
 }
 
 // --- mat2cell ------------------------------------------------------------------------------------
@@ -202,12 +200,15 @@ M<double> cell2mat(M<M<double>> const& C)
     Arguments const args("cell2mat");
     if (!args.two_dimensional(C) || C.size() < 1)
         return x_M;
-    M<M<double>> rows = Access<M<double>>::full(false, Dims(C.rows(), 1));
-    for (int row = 0; row < rows.size(); ++row)
-        if (!join_all(1, C.addr() + row, C.rows(), C.cols(), rows.addr()[row]))
-            return x_M;
+    auto const row_of = [&](int row, M<double>& joined) {
+        auto const content = [&](int col, M<double>& part) {
+            part = share(*C.addr(row + 1, col + 1));
+            return true;
+        };
+        return join_all(1, 0, C.cols(), content, joined);
+    };
     M<double> whole;
-    return join_all(0, rows.addr(), 1, rows.size(), whole) ? whole : x_M;
+    return join_all(0, 0, C.rows(), row_of, whole) ? whole : x_M;
 }
 
 M<M<double>> mat2cell(M<double> const& A, M<double> const& rowsizes)

@@ -168,6 +168,8 @@ M<double> rat(M<double> const& x, M<double> const& tol)
     for (int k = 0; k < x.size(); ++k)
         width = std::max(width, expansion_text(operand(k)).length);
     M<double> text = blank_text(Dims(x.size(), width));
+    if (!has_storage(text))
+        return x_M;
     for (int k = 0; k < text.rows(); ++k)
         write_row(text, k, 0, expansion_text(operand(k)));
     return text;
@@ -226,7 +228,7 @@ M<double> rats(M<double> const& x, M<double> const& len)
     double const tolerance = std::pow(10.0, -(field - 1) / 2.0) * one_norm(full);
     double const width = static_cast<double>(field) * x.cols();
     M<double> text = blank_text(Dims(x.rows(), static_cast<int>(std::min(width, static_cast<double>(std::numeric_limits<int>::max())))));
-    if (!has_storage(full) || text.size() < 1)
+    if (!has_storage(full) || !has_storage(text))
         return x_M;
     for (int col = 0; col < x.cols(); ++col)
         for (int row = 0; row < x.rows(); ++row) {
