@@ -18,7 +18,7 @@ using namespace arrlib;
 namespace {
 
 // A thread that gets fewer elements than this costs more than it saves.
-constexpr std::ptrdiff_t share_of_thread = 1 << 15;
+constexpr std::ptrdiff_t share_of_thread = 1 << 16;
 
 // --- dimensions ----------------------------------------------------------------------------------
 
@@ -105,9 +105,9 @@ private:
         double const reach = tolerance_ * std::hypot(z->re, z->im);
         Number* best = end;
         double nearest = reach;
-        for (Number* other = z + 1; other != end && other->re - z->re <= reach; ++other) {
-            double const distance = other->paired ? reach : std::hypot(other->re - z->re, other->im + z->im);
-            if (!other->paired && (distance < nearest || (best == end && distance <= reach))) {
+        for (Number* other = z + 1; other != end && other->re - z->re <= reach && (best == end || nearest > 0); ++other) {
+            double const distance = std::hypot(other->re - z->re, other->im + z->im);
+            if (!other->paired && distance <= nearest && (best == end || distance < nearest)) {
                 best = other;
                 nearest = distance;
             }
@@ -145,9 +145,18 @@ int first_of_length_3(M<double> const& a)
     return static_cast<int>(std::find(size, size + a.getndims(), 3) - size);
 }
 
-double modulus(double re, double im)
+// a + b i; empty after a report.
+M<double> complex_of(OperandPair const& pair)
 {
-    return im == 0 ? std::abs(re) : std::hypot(re, im);
+    M<double> z = full_result(pair.shape(), true);
+    double *const re = z.addr(), *const im = z.addi();
+    parallel_for(z.size(), share_of_thread, [&](std::ptrdiff_t from, std::ptrdiff_t to) {
+        for (int k = static_cast<int>(from); k < to; ++k) {
+            re[k] = pair.a(k);
+            im[k] = pair.b(k);
+        }
+    });
+    return z;
 }
 
 } // namespace
@@ -177,16 +186,7 @@ M<double> complexM(M<double> const& a, M<double> const& b)
     if (!args.real(a) || !args.real(b))
         return x_M;
     OperandPair const pair(args.builtin(), a, b);
-    if (!pair)
-        return x_M;
-    M<double> z = full_result(pair.shape(), true);
-    if (!has_storage(z))
-        return x_M;
-    for (int k = 0; k < z.size(); ++k) {
-        z.addr()[k] = pair.a(k);
-        z.addi()[k] = pair.b(k);
-    }
-    return z;
+    return pair ? complex_of(pair) : x_M;
 }
 
 M<double> cplxpair(M<double> const& z)
@@ -234,18 +234,10 @@ M<double> cplxpair(M<double> const& z, M<double> const& tol, M<double> const& di
 
 M<double> hypot(M<double> const& a, M<double> const& b)
 {
-    OperandPair const pair("hypot", a, b);
-    if (!pair)
-        return x_M;
-    M<double> lengths = full_result(pair.shape());
-    if (!has_storage(lengths))
-        return x_M;
-    double* const out = lengths.addr();
-    parallel_for(pair.count(), share_of_thread, [&](std::ptrdiff_t from, std::ptrdiff_t to) {
-        for (int k = static_cast<int>(from); k < to; ++k)
-            out[k] = std::hypot(modulus(pair.a(k), pair.imaginary_a(k)), modulus(pair.b(k), pair.imaginary_b(k)));
-    });
-    return lengths;
+    auto const lengths = [](M<double> const& x) { return x.isc() ? abs(x) : x; };
+    // The engine's modulus is in vector code and safe from overflow.
+    OperandPair const pair("hypot", lengths(a), lengths(b));
+    return pair ? abs(complex_of(pair)) : x_M;
 }
 
 M<double> dot(M<double> const& a, M<double> const& b)
