@@ -74,6 +74,18 @@ def write_masked():
     changing[changing > 0.5] = 0.75
 
 
+def find_primes():
+    prime = np.ones(5000000, dtype=bool)
+    for p in range(3, 3163, 2):
+        if prime[p // 2]:
+            prime[p * p // 2::p] = False
+    return np.r_[2, 2 * np.nonzero(prime)[0][1:] + 1]
+
+
+whole_a = random.integers(1, 1000001, 1000000)
+whole_b = random.integers(1, 1000001, 1000000)
+
+
 def write_gathered():
     changing[gather_index] = flat
 
@@ -188,6 +200,10 @@ rows = {
     "index of the largest, 1e7": lambda: best(lambda: line.argmax(), 10),
     "median of columns, 1e7": lambda: best(lambda: np.median(tall, axis=0), 2),
     "1e6 times s=s+k*two-s/three, 1x1": lambda: best(scalar_loop) * 100,
+    "primes(1e7)": lambda: best(find_primes),
+    "gcd, 1e6": lambda: best(lambda: np.gcd(whole_a, whole_b)),
+    "hypot, 1e6": lambda: best(lambda: np.hypot(flat, flat[::-1]), 20),
+    "dot, 1e6": lambda: best(lambda: np.dot(flat, flat[::-1].copy()), 20),
     "A(I), 1e6 of 1e6": lambda: best(lambda: flat[gather_index]),
     "A(I,J), 1000x1000 of 2000x2000": lambda: best(lambda: large[np.ix_(block_index, block_index)]),
     "A(a:b,c:d), 1000x1000 of 2000x2000": lambda: best(lambda: large[500:1500, 500:1500].copy(order="F")),

@@ -234,10 +234,13 @@ M<double> cplxpair(M<double> const& z, M<double> const& tol, M<double> const& di
 
 M<double> hypot(M<double> const& a, M<double> const& b)
 {
-    auto const lengths = [](M<double> const& x) { return x.isc() ? abs(x) : x; };
+    OperandPair const pair("hypot", a, b);
+    if (!pair)
+        return x_M;
+    if (pair.complex())
+        return hypot(abs(a), abs(b));
     // The engine's modulus is in vector code and safe from overflow.
-    OperandPair const pair("hypot", lengths(a), lengths(b));
-    return pair ? abs(complex_of(pair)) : x_M;
+    return abs(complex_of(pair));
 }
 
 M<double> dot(M<double> const& a, M<double> const& b)

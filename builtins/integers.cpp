@@ -21,9 +21,10 @@ namespace {
 constexpr std::ptrdiff_t share_of_thread = 1 << 12;
 constexpr double two_to_53 = 9007199254740992.0;
 
+// Conversions cost less than a call of trunc; from 2^53 on every double is an integer.
 bool is_integer(double v)
 {
-    return std::isfinite(v) && v == std::trunc(v);
+    return std::abs(v) < two_to_53 ? v == static_cast<double>(static_cast<std::int64_t>(v)) : std::isfinite(v);
 }
 
 template <class Test> bool all_real(M<double> const& x, Test test)
@@ -156,13 +157,15 @@ public:
         }
         std::fill(bits_.begin(), bits_.end(), std::uint64_t{0});
         while (sieve.next())
-            sieve.for_each([this](std::uint64_t p) { bits_[p / 128] |= std::uint64_t{1} << p / 2 % 64; });
+            sieve.for_each([this](std::uint64_t p) { word(p) |= std::uint64_t{1} << p / 2 % 64; });
     }
 
     explicit operator bool() const { return static_cast<bool>(bits_); }
-    bool operator()(std::uint64_t n) const { return n % 2 == 0 ? n == 2 : (bits_[n / 128] >> n / 2 % 64 & 1) != 0; }
+    bool operator()(std::uint64_t n) const { return n % 2 == 0 ? n == 2 : (word(n) >> n / 2 % 64 & 1) != 0; }
 
 private:
+    std::uint64_t& word(std::uint64_t n) const { return bits_[static_cast<std::size_t>(n / 128)]; }
+
     HeapArray<std::uint64_t> bits_;
 };
 
@@ -173,7 +176,7 @@ template <class Test> void mark(M<double> const& marks, M<double> const& numbers
     parallel_for(numbers.size(), share_of_thread, [&](std::ptrdiff_t begin, std::ptrdiff_t end) {
         for (std::ptrdiff_t k = begin; k < end; ++k)
             // Above 2^53 every double is even.
-            to[k] = from[k] < two_to_53 && is_prime_number(static_cast<std::uint64_t>(from[k]));
+            to[k] = from[k] < two_to_53 && is_prime_number(static_cast<std::uint64_t>(static_cast<std::int64_t>(from[k])));
     });
 }
 

@@ -185,8 +185,14 @@ namespace {
 
 // The multiples of these are crossed out in a pattern that repeats; the others cross out one by one.
 constexpr std::array<std::uint32_t, 5> pattern_primes{3, 5, 7, 11, 13};
-constexpr std::uint64_t pattern_length = 3 * 5 * 7 * 11 * 13;
-constexpr std::uint64_t first_odd = 3;
+constexpr std::size_t pattern_length = 3 * 5 * 7 * 11 * 13;
+constexpr std::uint32_t first_odd = 3;
+
+// The place of an odd number among the odd numbers from 3 on.
+constexpr std::size_t place_of(std::uint64_t odd)
+{
+    return static_cast<std::size_t>((odd - first_odd) / 2);
+}
 
 // Crosses out every p-th flag from `k` on; returns how far behind the end the next one is.
 std::size_t cross(unsigned char* flags, std::size_t count, std::size_t k, std::size_t p)
@@ -212,7 +218,7 @@ PrimeSieve::PrimeSieve(std::uint64_t limit)
     : limit_(limit), root_(square_root(limit)), flags_(segment), pattern_(pattern_length), base_(static_cast<std::size_t>(primes_at_most(static_cast<double>(root_))) + 1)
 {
     // Of the odd numbers up to the root of the limit.
-    HeapArray<unsigned char> const small(root_ / 2 + 1);
+    HeapArray<unsigned char> const small(place_of(std::max<std::uint64_t>(root_ | 1, first_odd)) + 1);
     if (!small)
         base_ = {};
     if (!*this)
@@ -220,19 +226,19 @@ PrimeSieve::PrimeSieve(std::uint64_t limit)
     find_base(small);
     std::fill(pattern_.begin(), pattern_.end(), static_cast<unsigned char>(1));
     for (std::uint32_t const p : pattern_primes)
-        cross(pattern_.data(), pattern_.size(), (p - first_odd) / 2, p);
+        cross(pattern_.data(), pattern_.size(), place_of(p), p);
 }
 
 void PrimeSieve::find_base(HeapArray<unsigned char> const& small)
 {
     std::fill(small.begin(), small.end(), static_cast<unsigned char>(1));
-    for (std::uint64_t p = first_odd; p <= root_; p += 2) {
-        if (!small[(p - first_odd) / 2])
+    for (std::uint32_t p = first_odd; p <= root_; p += 2) {
+        if (!small[place_of(p)])
             continue;
         if (p > pattern_primes.back())
-            base_[base_count_++] = {static_cast<std::uint32_t>(p), 0};
-        if (p * p <= root_)
-            cross(small.data(), small.size(), (p * p - first_odd) / 2, p);
+            base_[base_count_++] = {p, 0};
+        if (std::uint64_t const square = std::uint64_t{p} * p; square <= root_)
+            cross(small.data(), small.size(), place_of(square), p);
     }
 }
 
@@ -250,7 +256,7 @@ bool PrimeSieve::next()
 
 void PrimeSieve::start_with_pattern()
 {
-    std::size_t from = (first_ - first_odd) / 2 % pattern_length;
+    std::size_t from = place_of(first_) % pattern_length;
     for (std::size_t to = 0; to < segment;) {
         std::size_t const piece = std::min<std::size_t>(pattern_length - from, segment - to);
         std::memcpy(flags_.data() + to, pattern_.data() + from, piece);
@@ -259,7 +265,7 @@ void PrimeSieve::start_with_pattern()
     }
     if (first_ == first_odd)
         for (std::uint32_t const p : pattern_primes)
-            flags_[(p - first_odd) / 2] = 1;
+            flags_[place_of(p)] = 1;
 }
 
 void PrimeSieve::cross_out()

@@ -75,7 +75,12 @@ TEST(ElementaryFunctions, Hypotenuses)
         {shown(hypot(row({3, 1e300, 1e-300, -inf}), row({4, 1e300, 1e-300, 1}))), "1x4: 5 1.4142135623731e+300 1.4142135623731e-300 Inf"},
         {shown(hypot(M<double>(5.0), row({12, 0}, {0, 12}))), "1x2: 13 13"},
         {shown(hypot(sparse(row({0, 3})), 4.0)) + shown(hypot(M<double>(), 1.0)), "1x2: 4 50x0:"},
-        {reported_by([] { hypot(row({1, 2}), column({1, 2})); }), "hypot: wrong dimensions of: (temporary), (temporary)"},
+        {reported_by([] {
+             M<double> z = row({1, 2}, {1, 2});
+             z.setname("z");
+             hypot(z, column({1, 2}));
+         }),
+         "hypot: wrong dimensions of: z, (temporary)"},
     });
 }
 
