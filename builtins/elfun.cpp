@@ -11,6 +11,7 @@
 #include "runtime/workers.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 using namespace arrlib;

@@ -5,9 +5,6 @@
 
 #include "core/subscript.h"
 
-// Before the function of the same name: some C libraries' headers cannot follow it.
-#include <cmath>
-
 // The real parts, as plain numbers. Sparse values stay sparse.
 ARRLIB_API M<double> real(M<double> const& A);
 
