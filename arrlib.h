@@ -16,6 +16,8 @@
 #include "builtins/elfun.h"
 #include "builtins/integers.h"
 #include "builtins/rational.h"
+#include "builtins/sets.h"
+#include "builtins/sort.h"
 #include "builtins/stubs.h"
 #include "builtins/types.h"
 #include "core/api.h"
