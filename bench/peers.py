@@ -166,6 +166,17 @@ def write_doubles(kind):
     return seconds
 
 
+whole = random.integers(1, 1001, 1000000).astype(float)
+members, among = random.integers(1, 1000001, 1000000).astype(float), random.integers(1, 2000001, 1000000).astype(float)
+sorted_numbers = np.sort(numbers)
+flat5, tall5 = np.asfortranarray(random.random((5, 200000))), np.asfortranarray(random.random((200000, 5)))
+
+
+def sort_with_positions():
+    order = np.argsort(numbers, kind="stable")
+    return numbers[order], order
+
+
 rows = {
     "sprintf('%d,') of 1e6": lambda: best(lambda: ("%d," * len(integers)) % tuple(integers), 3),
     "fprintf('%g\\n') of 1e6": lambda: best(lambda: ("%g\n" * numbers.size) % tuple(numbers), 3),
@@ -192,6 +203,22 @@ rows = {
     "log, 1e3": lambda: often(lambda: np.log(a3)),
     "cumsum, 1e6": lambda: best(lambda: np.cumsum(a, axis=0), 20),
     "cumsum of a vector, 1e6": lambda: best(lambda: np.cumsum(a.ravel(order="F")), 20),
+    "sort, 1e6": lambda: best(lambda: np.sort(numbers)),
+    "sort with positions, 1e6": lambda: best(sort_with_positions),
+    "sort of whole numbers, 1e6": lambda: best(lambda: np.sort(whole)),
+    "sort of sorted numbers, 1e6": lambda: best(lambda: np.sort(sorted_numbers)),
+    "sort columns, 1000x1000": lambda: best(lambda: np.sort(a, axis=0)),
+    "sort columns, 5x200000": lambda: best(lambda: np.sort(flat5, axis=0)),
+    "sort rows, 200000x5": lambda: best(lambda: np.sort(tall5, axis=1)),
+    "sortrows, 200000x5": lambda: best(lambda: tall5[np.lexsort(tall5.T[::-1])]),
+    "unique, 1e6 all different": lambda: best(lambda: np.unique(numbers)),
+    "unique, 1e6 of 1000": lambda: best(lambda: np.unique(whole)),
+    "unique with positions, 1e6": lambda: best(lambda: np.unique(numbers, return_index=True, return_inverse=True)),
+    "ismember, 1e6 in 1e6": lambda: best(lambda: np.isin(members, among)),
+    "ismember, 1e6 in 1000": lambda: best(lambda: np.isin(members, members[:1000])),
+    "ismember, 1e6 in 10": lambda: best(lambda: np.isin(members, members[:10])),
+    "ismember, 10 in 1e6": lambda: best(lambda: np.isin(members[:10], members)),
+    "intersect, 1e6 and 1e6": lambda: best(lambda: np.intersect1d(members, among)),
     "a*b, 1000x1000": lambda: best(lambda: a @ b),
     "exp of complex, 1e6": lambda: best(lambda: np.exp(z)),
     "z.*z, complex 1e6": lambda: best(lambda: z * z, 20),

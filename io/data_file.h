@@ -47,7 +47,6 @@ template <class... Matrices> M<double> saveV4(M<double> const& filename, M<doubl
 // Everything else that is wrong with a file ends the loading with a report, and so does a file with
 // fewer matrices than outputs ("load: '%s' could not read data set"). The outputs that were not
 // reached stay as they were. Nothing is allocated that the length of the file does not justify.
-
 ARRLIB_API M<double> load_list(M<double> const& filename, Mr<double>* outputs, int count);
 template <class... Outputs> M<double> load(M<double> const& filename, Mr<double> first, Outputs&&... others)
 {

@@ -42,6 +42,7 @@ ARRLIB_API M<double> fopen(M<double> const& fid, i_o_t, Mr<double> mode, Mr<doub
 // not be. "fclose: can not close stdin/stdout/stderr, fid is %s".
 ARRLIB_API M<double> fclose(M<double> const& fid);
 
+// The identifiers of standard input, output and error: 0, 1 and 2.
 ARRLIB_API M<double> stdinM();
 ARRLIB_API M<double> stdoutM();
 ARRLIB_API M<double> stderrM();

@@ -103,6 +103,7 @@ ARRLIB_API double nx_gammainc(double x, double a);
 ARRLIB_API double nx_gammaln(double x);
 
 // --- arithmetic -----------------------------------------------------------------------------------
+// x + y, x - y, x y and x / y.
 ARRLIB_API double nx_plus(double x, double y);
 ARRLIB_API double nx_minus(double x, double y);
 ARRLIB_API double nx_times(double x, double y);

@@ -7,6 +7,7 @@
 
 // Messages and shapes as in ops/elementwise.h.
 
+// The sum and the difference, element by element; of one value x itself and -x.
 inline M<double> operator+(M<double> const& x, M<double> const& y) { return arrlib::fast<op_plus>(x, y, arrlib::no_temporary); }
 inline M<double> operator+(M<double>&& x, M<double> const& y) { return arrlib::fast<op_plus>(x, y, arrlib::temporary_x); }
 inline M<double> operator+(M<double> const& x, M<double>&& y) { return arrlib::fast<op_plus>(x, y, arrlib::temporary_y); }
@@ -35,11 +36,13 @@ inline M<double> operator*(M<double>&& x, double y) { return arrlib::fast<op_tim
 inline M<double> operator*(double x, M<double> const& y) { return arrlib::fast<op_times>(x, y); }
 inline M<double> operator*(double x, M<double>&& y) { return arrlib::fast<op_times>(x, y, arrlib::temporary_y); }
 
+// -x, x itself, and 1 where an element is 0, else 0.
 inline M<double> operator-(M<double> const& x) { return arrlib::apply(op_uminus, x); }
 inline M<double> operator-(M<double>&& x) { return arrlib::apply(op_uminus, x, arrlib::temporary_x); }
 inline M<double> operator+(M<double> const& x) { return x; }
 inline M<double> operator!(M<double> const& x) { return arrlib::apply(op_not, x); }
 
+// Comparisons and logic element by element: logical results.
 inline M<double> operator<(M<double> const& x, M<double> const& y) { return arrlib::fast<op_lt>(x, y); }
 inline M<double> operator>(M<double> const& x, M<double> const& y) { return arrlib::fast<op_gt>(x, y); }
 inline M<double> operator<=(M<double> const& x, M<double> const& y) { return arrlib::fast<op_le>(x, y); }

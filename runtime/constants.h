@@ -51,6 +51,7 @@ ARRLIB_API extern int nargout_set;
 ARRLIB_API extern int switchdepth;
 ARRLIB_API extern int switchfalse;
 
+// How many inputs and outputs the innermost translated call has.
 ARRLIB_API double nargin();
 ARRLIB_API double nargout();
 // Stores the output count in the first output and the input count in the second; returns the empty

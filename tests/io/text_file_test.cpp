@@ -207,7 +207,8 @@ TEST_F(TextFile, RoundTrip)
         std::snprintf(text, sizeof text, "%.13g", value[k]);
         EXPECT_EQ(m[k], std::strtod(text, nullptr));
     }
-    saveascii(name_of(folder.path("again.txt")), m);
+    M<double> const* const list[] = {&m};
+    saveascii_list(name_of(folder.path("again.txt")), list, 1);
     EXPECT_EQ(folder.read("again.txt"), folder.read("out.txt"));
 }
 
