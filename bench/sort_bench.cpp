@@ -77,6 +77,7 @@ void sets()
 {
     static M<double> const x = rows::uniform(million, 1), whole = whole_numbers(1000), few = whole_numbers(million), many = whole_numbers(2 * million);
     static M<double> const ten = first(few, 10), thousand = first(few, 1000);
+    *ten.addr(10) = -1; // one that is nowhere
     static arma::vec const ax = shared(x), awhole = shared(whole);
     row("unique, 1e6 all different/arrlib", [] { return unique(x); });
     row("unique, 1e6 all different/Armadillo", [] { return arma::vec(arma::unique(ax)); });

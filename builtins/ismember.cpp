@@ -1,10 +1,12 @@
-// Membership: of few numbers among many and of many among few by searching, of many among many by
-// sorting all of them.
+// Membership: of many numbers among very few by comparing, of few among many and of many among few by
+// searching, of many among many by sorting all of them.
 #include "builtins/set_operands.h"
 #include "builtins/sets.h"
 #include "runtime/workers.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
 
 using namespace arrlib;
 
@@ -12,6 +14,8 @@ namespace {
 
 // Up to this many distinct numbers are searched: their keys stay in the nearest caches.
 constexpr int most_searched = 1 << 15;
+// Up to this many numbers are compared one by one, several members at once.
+constexpr int most_compared = 16;
 constexpr std::ptrdiff_t least_work = std::ptrdiff_t{1} << 14;
 
 // The distinct ones of a few numbers.
@@ -62,8 +66,57 @@ private:
     bool ok_ = false;
 };
 
-// Writes for each number its first position in a set, from 1, or 0. False after a report.
-bool among_few(M<double> const& numbers, M<double> const& set, double* positions)
+// Where the answers go: whether a member is in the set, and, unless null, its first position there.
+struct Answers {
+    double* is;
+    double* positions;
+
+    // Positions count from 1; 0 for what is not in the set.
+    void set(std::ptrdiff_t member, int position) const
+    {
+        is[member] = position > 0 ? 1 : 0;
+        if (positions)
+            positions[member] = position;
+    }
+};
+
+// Two numbers at once, in the vectors that every processor has.
+using Numbers = double __attribute__((vector_size(16)));
+using Bits = std::int64_t __attribute__((vector_size(16)));
+constexpr std::ptrdiff_t at_once = 8;
+
+// Whether each of `at_once` numbers equals one of `set`.
+void compare_with_all(double const* numbers, double const* set, int count, double* is)
+{
+    constexpr std::ptrdiff_t width = 2, vectors = at_once / width;
+    Numbers x[vectors];
+    Bits equal[vectors] = {};
+    std::memcpy(x, numbers, sizeof x);
+    for (int k = 0; k < count; ++k) {
+        Numbers const one{set[k], set[k]};
+        for (std::ptrdiff_t v = 0; v < vectors; ++v)
+            equal[v] |= x[v] == one;
+    }
+    Numbers const yes{1, 1};
+    for (Bits& mask : equal)
+        mask &= reinterpret_cast<Bits>(yes);
+    std::memcpy(is, equal, sizeof equal);
+}
+
+void among_very_few(M<double> const& numbers, M<double> const& set, double* is)
+{
+    double const* const x = numbers.addr();
+    parallel_for(numbers.size(), least_work, [&](std::ptrdiff_t from, std::ptrdiff_t to) {
+        std::ptrdiff_t k = from;
+        for (; k + at_once <= to; k += at_once)
+            compare_with_all(x + k, set.addr(), set.size(), is + k);
+        for (; k < to; ++k)
+            is[k] = std::find(set.addr(), set.addr() + set.size(), x[k]) != set.addr() + set.size() ? 1 : 0;
+    });
+}
+
+// Each of these is false after a report.
+bool among_few(M<double> const& numbers, M<double> const& set, Answers const& answers)
 {
     SearchedKeys const keys(set);
     if (!keys)
@@ -71,13 +124,13 @@ bool among_few(M<double> const& numbers, M<double> const& set, double* positions
     parallel_for(numbers.size(), least_work, [&](std::ptrdiff_t from, std::ptrdiff_t to) {
         for (std::ptrdiff_t k = from; k < to; ++k) {
             int const at = keys.find(numbers.addr()[k]);
-            positions[k] = at < 0 ? 0 : keys.first_position(at) + 1.0;
+            answers.set(k, at < 0 ? 0 : keys.first_position(at) + 1);
         }
     });
     return true;
 }
 
-bool few_among(M<double> const& numbers, M<double> const& set, double* positions)
+bool few_among(M<double> const& numbers, M<double> const& set, Answers const& answers)
 {
     SearchedKeys const keys(numbers);
     HeapArray<int> seen(static_cast<std::size_t>(keys.count()) + 1);
@@ -94,12 +147,12 @@ bool few_among(M<double> const& numbers, M<double> const& set, double* positions
     }
     for (int k = 0; k < numbers.size(); ++k) {
         int const at = keys.find(numbers.addr()[k]);
-        positions[k] = at < 0 ? 0 : seen.data()[at];
+        answers.set(k, at < 0 ? 0 : seen.data()[at]);
     }
     return true;
 }
 
-template <class Operands> bool by_order(Operands const& of, double* positions)
+template <class Operands> bool by_order(Operands const& of, Answers const& answers)
 {
     Ordering order;
     if (!of.sort(order))
@@ -111,27 +164,31 @@ template <class Operands> bool by_order(Operands const& of, double* positions)
         while (k < count && order.position(k) < first_count && (k == start || order.same(k)))
             ++k;
         bool const is_member = k < count && order.position(k) >= first_count && (k == start || order.same(k));
-        double const position = is_member ? order.position(k) - first_count + 1.0 : 0;
+        int const position = is_member ? order.position(k) - first_count + 1 : 0;
         for (int member = start; member < k; ++member)
-            positions[order.position(member)] = position;
+            answers.set(order.position(member), position);
         while (k < count && order.position(k) >= first_count && (k == start || order.same(k)))
             ++k;
     }
     return true;
 }
 
-bool positions_in(NumberOperands const& of, double* positions)
+bool find_members(NumberOperands const& of, Answers const& answers)
 {
     if (of.by_rows() || of.a().isc() || of.b().isc())
-        return by_order(of, positions);
+        return by_order(of, answers);
+    if (of.b().size() <= most_compared && !answers.positions) {
+        among_very_few(of.a(), of.b(), answers.is);
+        return true;
+    }
     if (of.b().size() <= most_searched)
-        return among_few(of.a(), of.b(), positions);
-    return of.a().size() <= most_searched / 16 ? few_among(of.a(), of.b(), positions) : by_order(of, positions);
+        return among_few(of.a(), of.b(), answers);
+    return of.a().size() <= most_searched / 16 ? few_among(of.a(), of.b(), answers) : by_order(of, answers);
 }
 
-bool positions_in(TextOperands const& of, double* positions)
+bool find_members(TextOperands const& of, Answers const& answers)
 {
-    return by_order(of, positions);
+    return by_order(of, answers);
 }
 
 struct Membership {
@@ -143,27 +200,28 @@ Membership unknown()
     return {x_M, x_M};
 }
 
-template <class Operands> Membership membership(Operands const& of, Dims const& shape)
+template <class Operands> Membership membership(Operands const& of, Dims const& shape, bool with_positions)
 {
     if (!of)
         return unknown();
-    Membership made{full_result(shape), full_result(shape)};
-    if (!has_storage(made.is) || !has_storage(made.position) || (shape.count > 0 && !positions_in(of, made.position.addr())))
+    Membership made{full_result(shape), with_positions ? full_result(shape) : Access<double>::without_storage()};
+    if (!has_storage(made.is) || (with_positions && !has_storage(made.position)))
         return unknown();
-    std::transform(made.position.addr(), made.position.addr() + shape.count, made.is.addr(), [](double position) { return position > 0 ? 1.0 : 0.0; });
+    if (shape.count > 0 && !find_members(of, {made.is.addr(), with_positions ? made.position.addr() : nullptr}))
+        return unknown();
     made.is.setlogical(1);
     return made;
 }
 
 constexpr Arguments arguments("ismember");
 
-Membership members(M<double> const& A, M<double> const& S, M<double> const& option)
+Membership members(M<double> const& A, M<double> const& S, M<double> const& option, bool with_positions)
 {
     NumberOperands const of(arguments, A, S, option);
-    return membership(of, of.by_rows() ? Dims(A.rows(), 1) : shape_of(A));
+    return membership(of, of.by_rows() ? Dims(A.rows(), 1) : shape_of(A), with_positions);
 }
 
-Membership members(M<double> const& A, M<M<double>> const& S)
+Membership members(M<double> const& A, M<M<double>> const& S, bool with_positions)
 {
     bool const one_text = A.size() == 0 || (A.isstr() && A.getndims() == 2 && A.rows() == 1);
     if (!one_text) {
@@ -173,12 +231,12 @@ Membership members(M<double> const& A, M<M<double>> const& S)
     M<M<double>> const text(A);
     if (!text.addr())
         return unknown();
-    return membership(TextOperands(arguments, text, S), Dims(1, 1));
+    return membership(TextOperands(arguments, text, S), Dims(1, 1), with_positions);
 }
 
-Membership members(M<M<double>> const& A, M<M<double>> const& S)
+Membership members(M<M<double>> const& A, M<M<double>> const& S, bool with_positions)
 {
-    return membership(TextOperands(arguments, A, S), shape_of(A));
+    return membership(TextOperands(arguments, A, S), shape_of(A), with_positions);
 }
 
 M<double> give(Membership const& made, Mr<double>& tf)
@@ -195,18 +253,18 @@ M<double> give(Membership const& made, Mr<double>& tf, Mr<double>& k)
 
 } // namespace
 
-M<double> ismember(M<double> const& A, M<double> const& S) { return members(A, S, nop_M).is; }
-M<double> ismember(M<double> const& A, M<double> const& S, M<double> const& option) { return members(A, S, option).is; }
-M<double> ismember(M<double> const& A, M<double> const& S, i_o_t, Mr<double> tf) { return give(members(A, S, nop_M), tf); }
-M<double> ismember(M<double> const& A, M<double> const& S, i_o_t, Mr<double> tf, Mr<double> k) { return give(members(A, S, nop_M), tf, k); }
-M<double> ismember(M<double> const& A, M<double> const& S, M<double> const& option, i_o_t, Mr<double> tf) { return give(members(A, S, option), tf); }
+M<double> ismember(M<double> const& A, M<double> const& S) { return members(A, S, nop_M, false).is; }
+M<double> ismember(M<double> const& A, M<double> const& S, M<double> const& option) { return members(A, S, option, false).is; }
+M<double> ismember(M<double> const& A, M<double> const& S, i_o_t, Mr<double> tf) { return give(members(A, S, nop_M, false), tf); }
+M<double> ismember(M<double> const& A, M<double> const& S, i_o_t, Mr<double> tf, Mr<double> k) { return give(members(A, S, nop_M, true), tf, k); }
+M<double> ismember(M<double> const& A, M<double> const& S, M<double> const& option, i_o_t, Mr<double> tf) { return give(members(A, S, option, false), tf); }
 M<double> ismember(M<double> const& A, M<double> const& S, M<double> const& option, i_o_t, Mr<double> tf, Mr<double> k)
 {
-    return give(members(A, S, option), tf, k);
+    return give(members(A, S, option, true), tf, k);
 }
-M<double> ismember(M<double> const& A, M<M<double>> const& S) { return members(A, S).is; }
-M<double> ismember(M<double> const& A, M<M<double>> const& S, i_o_t, Mr<double> tf) { return give(members(A, S), tf); }
-M<double> ismember(M<double> const& A, M<M<double>> const& S, i_o_t, Mr<double> tf, Mr<double> k) { return give(members(A, S), tf, k); }
-M<double> ismember(M<M<double>> const& A, M<M<double>> const& S) { return members(A, S).is; }
-M<double> ismember(M<M<double>> const& A, M<M<double>> const& S, i_o_t, Mr<double> tf) { return give(members(A, S), tf); }
-M<double> ismember(M<M<double>> const& A, M<M<double>> const& S, i_o_t, Mr<double> tf, Mr<double> k) { return give(members(A, S), tf, k); }
+M<double> ismember(M<double> const& A, M<M<double>> const& S) { return members(A, S, false).is; }
+M<double> ismember(M<double> const& A, M<M<double>> const& S, i_o_t, Mr<double> tf) { return give(members(A, S, false), tf); }
+M<double> ismember(M<double> const& A, M<M<double>> const& S, i_o_t, Mr<double> tf, Mr<double> k) { return give(members(A, S, true), tf, k); }
+M<double> ismember(M<M<double>> const& A, M<M<double>> const& S) { return members(A, S, false).is; }
+M<double> ismember(M<M<double>> const& A, M<M<double>> const& S, i_o_t, Mr<double> tf) { return give(members(A, S, false), tf); }
+M<double> ismember(M<M<double>> const& A, M<M<double>> const& S, i_o_t, Mr<double> tf, Mr<double> k) { return give(members(A, S, true), tf, k); }

@@ -2,6 +2,7 @@
 
 #include "builtins/args.h"
 #include "builtins/ordering.h"
+#include "builtins/sort_short.h"
 #include "builtins/sort_sparse.h"
 #include "core/arguments.h"
 #include "core/read.h"
@@ -42,7 +43,7 @@ struct Lines {
 class LineSorter {
 public:
     // Neighbouring lines are copied together where their elements lie apart.
-    static constexpr std::ptrdiff_t together = 8;
+    static constexpr std::ptrdiff_t together = lists_together;
 
     LineSorter(Lines const& lines, double const* from, double* to, double* positions) : lines_(lines), from_(from), to_(to), positions_(positions) {}
 
@@ -52,7 +53,7 @@ public:
         auto const length = static_cast<std::size_t>(lines_.length), number = static_cast<std::size_t>(workers);
         if (positions_)
             keyed_ = HeapArray<Keyed>(2 * length * number);
-        block_size_ = lines_.stride > 1 ? together * lines_.length : 0;
+        block_size_ = lines_.stride > 1 || is_short() ? together * lines_.length : 0;
         numbers_size_ = lines_.length + 3 * block_size_;
         numbers_ = HeapArray<double>(static_cast<std::size_t>(numbers_size_) * number);
         return numbers_ && (!positions_ || keyed_);
@@ -61,6 +62,10 @@ public:
     void sort(std::ptrdiff_t worker, std::ptrdiff_t first, std::ptrdiff_t last) const
     {
         double* const spare = numbers_.data() + worker * numbers_size_;
+        if (is_short()) {
+            sort_short_lines(spare + lines_.length, first, last);
+            return;
+        }
         Keyed* const keyed = positions_ ? keyed_.data() + worker * 2 * lines_.length : nullptr;
         if (lines_.stride == 1) {
             for (std::ptrdiff_t line = first; line < last; ++line) {
@@ -72,7 +77,7 @@ public:
         double *const block = spare + lines_.length, *const sorted = block + block_size_, *const places = sorted + block_size_;
         for (std::ptrdiff_t line = first; line < last;) {
             std::ptrdiff_t const start = lines_.start(line);
-            std::ptrdiff_t const width = std::min({together, last - line, lines_.stride - line % lines_.stride});
+            std::ptrdiff_t const width = neighbours(line, last);
             for (std::ptrdiff_t k = 0; k < lines_.length; ++k)
                 for (std::ptrdiff_t l = 0; l < width; ++l)
                     block[l * lines_.length + k] = from_[start + k * lines_.stride + l];
@@ -86,6 +91,35 @@ public:
     }
 
 private:
+    bool is_short() const { return lines_.length <= longest_short; }
+    // Lines from `line` on whose elements lie beside each other, up to `together` of them.
+    std::ptrdiff_t neighbours(std::ptrdiff_t line, std::ptrdiff_t last) const
+    {
+        return lines_.stride == 1 ? std::min(together, last - line) : std::min({together, last - line, lines_.stride - line % lines_.stride});
+    }
+    void sort_short_lines(double* block, std::ptrdiff_t first, std::ptrdiff_t last) const
+    {
+        std::ptrdiff_t const length = lines_.length, size = together * length;
+        double* const places = positions_ ? block + size : nullptr;
+        // Lists without a line are sorted as well.
+        std::fill_n(block, size, 0.0);
+        for (std::ptrdiff_t line = first, width; line < last; line += width) {
+            std::ptrdiff_t const start = lines_.start(line), step = lines_.stride == 1 ? length : 1;
+            width = neighbours(line, last);
+            for (std::ptrdiff_t l = 0; l < width; ++l)
+                for (std::ptrdiff_t k = 0; k < length; ++k)
+                    block[k * together + l] = from_[start + k * lines_.stride + l * step];
+            for (std::ptrdiff_t k = 0; places && k < length; ++k)
+                std::fill_n(places + k * together, together, static_cast<double>(k + 1));
+            sort_lists(block, places, length);
+            for (std::ptrdiff_t l = 0; l < width; ++l)
+                for (std::ptrdiff_t k = 0; k < length; ++k) {
+                    to_[start + k * lines_.stride + l * step] = block[k * together + l];
+                    if (places)
+                        positions_[start + k * lines_.stride + l * step] = places[k * together + l];
+                }
+        }
+    }
     void sort_line(double const* from, double* to, double* positions, double* spare, Keyed* keyed) const
     {
         std::ptrdiff_t const n = lines_.length;

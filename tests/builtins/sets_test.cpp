@@ -171,7 +171,7 @@ TEST(Sets, Rows)
 TEST(Sets, AgreeWithANaiveModel)
 {
     std::mt19937 random(1);
-    for (auto const& [na, nb, different] : {std::tuple(0, 5, 9), {7, 5, 9}, {60, 90, 200}, {3, 40000, 30}, {1000, 40000, 90000}, {5000, 40000, 90000}, {40000, 200, 500}}) {
+    for (auto const& [na, nb, different] : {std::tuple(0, 5, 9), {7, 5, 9}, {60, 90, 200}, {1003, 9, 40}, {3, 40000, 30}, {1000, 40000, 90000}, {5000, 40000, 90000}, {40000, 200, 500}}) {
         Numbers const a = few_values(na, different, random), b = few_values(nb, different, random);
         M<double> const A = row(a), B = row(b);
         Numbers both = a;
@@ -198,6 +198,7 @@ TEST(Sets, AgreeWithANaiveModel)
         }
         M<double> tf, k, b1, i1, j1;
         ismember(A, B, i_o, tf, k);
+        EXPECT_EQ(shown(ismember(A, B)), shown(tf));
         std::map<double, double> first;
         for (std::size_t p = b.size(); p > 0; --p)
             if (b[p - 1] == b[p - 1])

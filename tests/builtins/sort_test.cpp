@@ -134,7 +134,7 @@ TEST(Sort, SortedInputStaysAsItIs)
 TEST(Sort, AlongEveryDimension)
 {
     std::mt19937_64 random(2);
-    for (std::vector<int> const& dims : {std::vector<int>{3, 4}, {1, 7}, {4, 3, 5, 2}, {2, 1, 40}, {300, 17, 20}, {11, 20000}})
+    for (std::vector<int> const& dims : {std::vector<int>{3, 4}, {1, 7}, {4, 3, 5, 2}, {2, 1, 40}, {12, 13, 11}, {300, 17, 20}, {11, 20000}})
         for (int dim = 1; dim <= static_cast<int>(dims.size()); ++dim) {
             int const total = std::accumulate(dims.begin(), dims.end(), 1, std::multiplies<>());
             M<double> const x = nd(dims, random_numbers(1, total, random));
