@@ -58,12 +58,12 @@ template <class Operands> Found<typename Operands::Value> distinct(Operands cons
 }
 
 // Real numbers alone, without their positions.
-M<double> distinct_numbers(M<double> const& x, bool as_row)
+Found<M<double>> distinct_numbers(M<double> const& x, bool as_row)
 {
     auto const count = static_cast<std::size_t>(x.size());
     HeapArray<double> sorted(count + 1), spare(count + 1);
     if (!sorted || !spare)
-        return x_M;
+        return nothing<M<double>>();
     double* const numbers = sorted.data();
     std::copy_n(x.addr(), count, numbers);
     sort_stable(numbers, spare.data(), x.size());
@@ -75,9 +75,9 @@ M<double> distinct_numbers(M<double> const& x, bool as_row)
     }
     M<double> made = full_result(as_row ? Dims(1, distinct) : Dims(distinct, 1));
     if (!has_storage(made))
-        return x_M;
+        return nothing<M<double>>();
     std::copy_n(numbers, distinct, made.addr());
-    return made;
+    return {made, x_M, x_M, true};
 }
 
 Found<M<double>> unique_numbers(M<double> const& A, M<double> const& option, bool with_positions)
@@ -89,8 +89,9 @@ Found<M<double>> unique_numbers(M<double> const& A, M<double> const& option, boo
     if (with_positions || of.by_rows() || of.a().isc())
         found = distinct(of);
     else
-        found = {distinct_numbers(of.a(), of.as_row()), x_M, x_M, true};
-    found.members.setstr(A.isstr() && found.members.size() > 0);
+        found = distinct_numbers(of.a(), of.as_row());
+    if (found.done)
+        found.members.setstr(A.isstr());
     return found;
 }
 
@@ -167,8 +168,8 @@ constexpr SetFunction of_union{"union", Choice::of_either}, of_intersect{"inters
 Found<M<double>> combined(SetFunction const& function, M<double> const& A, M<double> const& B, M<double> const& option)
 {
     Found<M<double>> found = combined(NumberOperands(Arguments(function.name), A, B, option), function.choice);
-    bool const text = A.isstr() || (B.isstr() && function.choice != Choice::of_first);
-    found.members.setstr(text && found.members.size() > 0);
+    if (found.done)
+        found.members.setstr(A.isstr() || (B.isstr() && function.choice != Choice::of_first));
     return found;
 }
 

@@ -138,6 +138,7 @@ TEST(Sets, ShapesAndKinds)
         {shown(intersect(missing, missing)), "0x0:"},
         {shown(unionM(text("ab"), row({98, 99}))), "'abc'"},
         {shown(setdiff(row({97, 98}), text("a"))), "1x1: 98"},
+        {shown(intersect(text("ab"), text("cd"))), "text 0x0:"},
         {shown(setxor(row({1, 2}, {1, 0}), row({2, 3}))), "1x2: 1+1i 3+0i"},
         {shown(intersect(sparse(row({0, 7})), row({7, 0}))), "1x2: 0 7"},
         {of_two<M<double>>(unionM, words, word), "1x2 cell: 'x' | 'y'; 1x1: 3; 1x1: 1"},
