@@ -7,7 +7,8 @@
 #include <cstdint>
 #include <vector>
 
-namespace rows {
+// A class, because the library has a function of this name.
+struct rows {
 
 // A small multiplicative generator, so that runs repeat.
 class Random {
@@ -24,7 +25,7 @@ private:
     std::uint64_t state_ = 88172645463325252u;
 };
 
-inline M<double> uniform(int r, int c)
+static M<double> uniform(int r, int c)
 {
     Random random;
     M<double> x(0, r, c);
@@ -34,7 +35,7 @@ inline M<double> uniform(int r, int c)
 }
 
 // n random 1-based indices up to `bound`.
-inline std::vector<unsigned> indices(int n, unsigned bound)
+static std::vector<unsigned> indices(int n, unsigned bound)
 {
     Random random;
     std::vector<unsigned> list(static_cast<std::size_t>(n));
@@ -43,7 +44,7 @@ inline std::vector<unsigned> indices(int n, unsigned bound)
     return list;
 }
 
-inline M<double> index_matrix(std::vector<unsigned> const& list)
+static M<double> index_matrix(std::vector<unsigned> const& list)
 {
     M<double> x(0, 1, static_cast<int>(list.size()));
     for (std::size_t k = 0; k < list.size(); ++k)
@@ -51,6 +52,6 @@ inline M<double> index_matrix(std::vector<unsigned> const& list)
     return x;
 }
 
-} // namespace rows
+};
 
 #endif

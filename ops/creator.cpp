@@ -16,6 +16,12 @@ namespace {
 
 using Arguments = std::initializer_list<M<double> const*>;
 
+// The neutral result of arguments that ask for no shape.
+M<double> without_shape(SizesRead read)
+{
+    return read == SizesRead::empty ? nop_M : x_M;
+}
+
 void fill(double* to, int count, double value)
 {
     // A thread that gets less than this costs more than it saves.
@@ -30,7 +36,7 @@ M<double> arrlib::eye01(int code, Arguments arguments)
     SizeList sizes;
     SizesRead const read = read_sizes("eye01", arguments, sizes);
     if (read != SizesRead::done)
-        return read == SizesRead::empty ? nop_M : x_M;
+        return without_shape(read);
     Dims const shape(max_dims, sizes.size);
     if (code == create_identity && shape.ndims > 2) {
         error("eye01: too many dimensions");
@@ -55,6 +61,20 @@ M<double> arrlib::eye01(int code, Arguments arguments)
     if (code == create_identity)
         for (int k = 0; k < std::min(shape.size[0], shape.size[1]); ++k)
             re[static_cast<std::ptrdiff_t>(k) * (shape.size[0] + 1)] = 1;
+    return made;
+}
+
+M<double> arrlib::filled(double value, Arguments arguments)
+{
+    SizeList sizes;
+    SizesRead const read = read_sizes("eye01", arguments, sizes);
+    if (read != SizesRead::done)
+        return without_shape(read);
+    Dims const shape(max_dims, sizes.size);
+    M<double> made = Access<double>::full(false, shape);
+    if (!made.addr())
+        return x_M;
+    fill(made.addr(), shape.count, value);
     return made;
 }
 

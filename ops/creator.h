@@ -1,4 +1,5 @@
-// Values made from their sizes alone: zeros, ones, identities and, for ops/random.h, random numbers.
+// Values made from their sizes alone: zeros, ones, identities and, for ops/random.h and
+// builtins/ranges.h, random numbers and any other number.
 #ifndef ARRLIB_OPS_CREATOR_H
 #define ARRLIB_OPS_CREATOR_H
 
@@ -41,6 +42,8 @@ enum CreatorCode : int { create_zeros, create_complex_zeros, create_ones, create
 // What all of them call, with the addresses of their size arguments. "eye01_op: unknown op" for other
 // codes.
 M<double> eye01(int code, std::initializer_list<M<double> const*> sizes);
+// One number everywhere.
+M<double> filled(double value, std::initializer_list<M<double> const*> sizes);
 
 } // namespace arrlib
 

@@ -131,6 +131,14 @@ inline std::string shown(M<M<double>> const& value, int digits = 15)
     return made;
 }
 
+// Several, one after the other; outputs of a call among them count as they are behind it.
+template <class... Values> std::string all_shown(Values const&... value)
+{
+    std::string made;
+    ((made += (made.empty() ? "" : ", ") + shown(value)), ...);
+    return made;
+}
+
 inline Numbers numbers(M<double> const& x)
 {
     return Numbers(x.addr(), x.addr() + x.getnnz());
