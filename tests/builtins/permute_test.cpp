@@ -55,7 +55,9 @@ TEST(Permute, MovesEveryKindAsTheModelDoes)
         Order p{0, 1, 2, 3};
         for (std::size_t d = 3; d > 0; --d)
             std::swap(p[d], p[static_cast<std::size_t>(source.below(static_cast<int>(d) + 1))]);
-        Numbers const list{p[0] + 1.0, p[1] + 1.0, p[2] + 1.0, p[3] + 1.0};
+        Numbers list;
+        for (std::size_t const d : p)
+            list.push_back(static_cast<double>(d) + 1);
         SCOPED_TRACE(testing::Message() << "round " << round << " sparse " << kind.sparse << " order " << list[0] << list[1] << list[2] << list[3]);
         M<double> const moved = permute(a, row(list));
         Kind const after{kind.complex, moved.issparse() != 0, kind.string, kind.logical};
@@ -109,7 +111,7 @@ TEST(Permute, ShiftdimAndSqueeze)
         {shown(shiftdim(line, 2)), "3x1: 1 2 3"},
         {shown(shiftdim(nd({2, 1, 2}, {1, 2, 3, 4}), 4)), "1x2x2: 1 3 2 4"},
         {all_shown(shiftdim(flat, -1, i_o, B, n), n), "1x1x3: 1 2 3, 1x1: -1"},
-        {shown(shiftdim(sparse(column({0, 4})), -1)), "1x2: 0 4"},
+        {all_shown(shiftdim(sparse(column({0, 4})), -1), shiftdim(sparse(column({0, 4})), -2)), "sparse 1x2: (1,2)=4, 1x1x2: 0 4"},
         {shown(shiftdim(M<double>(), 3)) + shown(squeeze(M<double>())), "0x0:0x0:"},
     });
     EXPECT_EQ(reported_by([&] { EXPECT_EQ(shiftdim(line, -2, i_o, B, n).size() + B.size() + n.size(), 0); }), "shiftdim: too many dimensions");
@@ -142,10 +144,10 @@ TEST(Permute, Reports)
     EXPECT_EQ(reported_by([&] { circshift(cube, row({1, 2, 3, 4, 5})); }), "circshift: too many dimensions");
     EXPECT_EQ(reported_by([&] { circshift(cube, 1, -1); }), "circshift: dim argument must be positive");
     EXPECT_EQ(reported_by([&] { circshift(cube, 1, 4); }), "circshift: dim argument may not be more then the number of dimensions");
-    M<double> const thin = sparse(matrix(9, 9, Numbers(81, 2)));
-    capture::with_every_allocation_refused([&] { permute(cube, row({3, 1, 2})); });
-    capture::with_every_allocation_refused([&] { circshift(thin, row({3, 1})); });
-    capture::with_every_allocation_refused([&] { permute(thin, row({3, 1, 2})); });
+    M<double> const thin = sparse(matrix(9, 9, Numbers(81, 2))), order = row({3, 1, 2}), shifts = row({3, 1});
+    capture::with_every_allocation_refused([&] { permute(cube, order); });
+    capture::with_every_allocation_refused([&] { circshift(thin, shifts); });
+    capture::with_every_allocation_refused([&] { permute(thin, order); });
 }
 
 } // namespace

@@ -7,7 +7,7 @@
 #include "core/sparse.h"
 #include "ops/creator.h"
 #include "ops/elementwise.h"
-#include "ops/matrix_product.h"
+#include "ops/operators.h"
 #include "ops/reduction.h"
 #include "runtime/constants.h"
 #include "support/values.h"
@@ -15,6 +15,11 @@
 namespace {
 
 using namespace values;
+
+M<double> product(M<double> const& a, M<double> const& b)
+{
+    return a * b;
+}
 
 double largest_difference(M<double> const& a, M<double> const& b)
 {
@@ -71,26 +76,26 @@ TEST(SpecialMatrices, HaveTheirDefiningProperties)
     }
     for (int const n : {1, 2, 8, 12, 20, 24, 40, 64}) {
         M<double> const h = hadamard(n);
-        EXPECT_EQ(isequal(mtimes(h, transpose(h)), times(n, eye(n)))[1], 1) << n;
+        EXPECT_EQ(isequal(product(h, transpose(h)), times(n, eye(n)))[1], 1) << n;
         EXPECT_EQ(sum(h)[1] + sum(h, 2)[1], 2 * n) << n;
     }
     for (int n = 1; n <= 9; ++n) {
         M<double> const factor = pascal(n, 1), root = pascal(n, 2);
-        EXPECT_EQ(isequal(mtimes(factor, factor), eye(n))[1], 1) << n;
-        EXPECT_EQ(isequal(mtimes(factor, transpose(factor)), pascal(n))[1], 1) << n;
-        EXPECT_EQ(isequal(mtimes(root, mtimes(root, root)), eye(n))[1], 1) << n;
-        EXPECT_LT(largest_difference(mtimes(invhilb(std::min(n, 6)), hilb(std::min(n, 6))), eye(std::min(n, 6))), 1e-9) << n;
+        EXPECT_EQ(isequal(product(factor, factor), eye(n))[1], 1) << n;
+        EXPECT_EQ(isequal(product(factor, transpose(factor)), pascal(n))[1], 1) << n;
+        EXPECT_EQ(isequal(product(root, product(root, root)), eye(n))[1], 1) << n;
+        EXPECT_LT(largest_difference(product(invhilb(std::min(n, 6)), hilb(std::min(n, 6))), eye(std::min(n, 6))), 1e-9) << n;
     }
     // Elements of order 15, worked out with integers of any length.
     EXPECT_EQ(invhilb(15)[1], 225);
-    EXPECT_EQ(*invhilb(15).addr(11, 11), 1.3844502966226625e20);
-    EXPECT_EQ(*invhilb(12).addr(9, 8), -3659201184009600.0);
+    EXPECT_EQ(*invhilb(15).addr(11, 11), 1.1470898792429076e20);
+    EXPECT_EQ(*invhilb(12).addr(9, 8), -3110531785218000.0);
     // Eigenvectors of 0 and 1000.
     M<double> const zero = column({1, 2, -2, -1, 14, 14, 7, 7}), both = column({1, -2, -2, 1, -2, 2, -1, 1});
     M<double> const r = rosser();
     EXPECT_EQ(isequal(r, transpose(r))[1], 1);
-    EXPECT_EQ(max(abs(mtimes(r, zero)))[1], 0);
-    EXPECT_EQ(isequal(mtimes(r, both), times(1000, both))[1], 1);
+    EXPECT_EQ(max(abs(product(r, zero)))[1], 0);
+    EXPECT_EQ(isequal(product(r, both), times(1000, both))[1], 1);
 }
 
 TEST(SpecialMatrices, Report)
@@ -115,8 +120,8 @@ TEST(SpecialMatrices, Report)
 TEST(Gallery, FamiliesByDefinition)
 {
     auto const t = [](char const* name) { return text(name); };
-    M<double> const nilpotent = gallery(5), twice = mtimes(nilpotent, nilpotent), root = msqrt(2);
-    EXPECT_EQ(max(max(abs(mtimes(twice, mtimes(twice, nilpotent)))))[1], 0);
+    M<double> const nilpotent = gallery(5), twice = product(nilpotent, nilpotent), root = msqrt(2);
+    EXPECT_EQ(max(max(abs(product(twice, product(twice, nilpotent)))))[1], 0);
     expect_all({
         {shown(gallery(3)), shown(rows_of({{-149, -50, -154}, {537, 180, 546}, {-27, -9, -25}}))},
         {shown(gallery(t("cauchy"), 2)), shown(rows_of({{0.5, 1.0 / 3}, {1.0 / 3, 0.25}}))},
@@ -142,14 +147,14 @@ TEST(Gallery, FamiliesByDefinition)
         {all_shown(gallery(t("minij"), 0), gallery(t("cauchy"), 0), gallery(t("tridiag"), 0)), "0x0:, 0x0:, sparse 0x0:"},
     });
     // Differentiation at Chebyshev points is exact for polynomials.
-    for (int n = 2; n <= 12; ++n)
+    for (int n = 3; n <= 12; ++n)
         for (int const without_first : {0, 1}) {
             M<double> const d = gallery(t("chebspec"), n, without_first);
             int const last = n - 1 + without_first;
             M<double> const x = cos(times(pi[1] / last, transpose(colon(without_first, last))));
             // Of a polynomial that is zero at the first point, which may be missing.
             M<double> const p = minus(times(x, x), 1);
-            EXPECT_LT(largest_difference(mtimes(d, p), times(2, x)), 1e-11) << n << " " << without_first;
+            EXPECT_LT(largest_difference(product(d, p), times(2, x)), 1e-11) << n << " " << without_first;
         }
     EXPECT_EQ(shown(gallery(t("chebspec"), 1)), "1x1: 0");
 }
