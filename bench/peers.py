@@ -178,7 +178,31 @@ def sort_with_positions():
     return numbers[order], order
 
 
+half_zeros = np.where(numbers < 0.5, 0, numbers)
+cube = np.asfortranarray(random.random((200, 200, 200)))
+small_square, hundred_square = random.random((10, 10)), random.random((100, 100))
+points = random.random(1000)
+
+
+def permuted(*axes):
+    return best(lambda: np.asfortranarray(cube.transpose([axis - 1 for axis in axes])), 10)
+
+
 rows = {
+    "find, 1e6": lambda: best(lambda: np.flatnonzero(half_zeros), 50),
+    "kron of 100x100 and 10x10": lambda: best(lambda: np.kron(hundred_square, small_square), 50),
+    "kron of 10x10 and 100x100": lambda: best(lambda: np.kron(small_square, hundred_square), 50),
+    "permute 200x200x200 by 2 1 3": lambda: permuted(2, 1, 3),
+    "permute 200x200x200 by 3 1 2": lambda: permuted(3, 1, 2),
+    "permute 200x200x200 by 3 2 1": lambda: permuted(3, 2, 1),
+    "permute 200x200x200 by 1 3 2": lambda: permuted(1, 3, 2),
+    "repmat of 100x100, 10x20 times": lambda: best(lambda: np.tile(hundred_square, (10, 20)), 50),
+    "repmat of a column of 1000, 1000 times": lambda: best(lambda: np.tile(points, 1000), 50),
+    "meshgrid of 1000 and 1000": lambda: best(lambda: np.meshgrid(points, points), 50),
+    "colon, 1e6": lambda: best(lambda: np.arange(0, 500000, 0.5), 50),
+    "colon, 1e3": lambda: often(lambda: np.arange(0, 500, 0.5)),
+    "linspace, 1e6": lambda: best(lambda: np.linspace(0, 1, 1000000), 50),
+    "zeros, 1e6": lambda: best(lambda: np.full((1000, 1000), 0.0), 50),
     "sprintf('%d,') of 1e6": lambda: best(lambda: ("%d," * len(integers)) % tuple(integers), 3),
     "fprintf('%g\\n') of 1e6": lambda: best(lambda: ("%g\n" * numbers.size) % tuple(numbers), 3),
     "fscanf('%g') of 1e6": scan_numbers,

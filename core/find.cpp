@@ -3,8 +3,10 @@
 #include "core/sparse_build.h"
 #include "core/subscript.h"
 #include "runtime/constants.h"
+#include "runtime/workers.h"
 
 #include <algorithm>
+#include <cstdint>
 
 using namespace arrlib;
 
@@ -24,79 +26,141 @@ int arrlib::count_nonzeros(M<double> const& x)
 
 namespace {
 
-// The stored elements of a value that are not zero.
+// The stored elements of a value that are not zero, counted in pieces, one for each thread.
 class NonZeros {
 public:
-    explicit NonZeros(M<double> const& x) : x_(x), count_(count_nonzeros(x)), stored_(static_cast<std::size_t>(count_) + 1)
+    explicit NonZeros(M<double> const& x) : x_(x), pieces_(x.getnnz() < least_shared ? 1 : std::min(parallel_width(), most_pieces))
     {
-        if (!stored_)
-            return;
-        double const *const re = x.addr(), *const im = x.addi();
-        int* const to = stored_.data();
-        int at = 0;
-        // Written first and kept when it counts.
-        if (im)
-            for (int k = 0; k < x.getnnz(); ++k) {
-                to[at] = k;
-                at += (re[k] != 0) | (im[k] != 0);
-            }
-        else
-            for (int k = 0; k < x.getnnz(); ++k) {
-                to[at] = k;
-                at += re[k] != 0;
-            }
+        on_all_pieces([&](int piece) { first_[piece + 1] = count_in(start_of(piece), start_of(piece + 1)); });
+        for (int piece = 0; piece < pieces_; ++piece)
+            first_[piece + 1] += first_[piece];
     }
 
-    explicit operator bool() const { return static_cast<bool>(stored_); }
-    int count() const { return count_; }
-    int position(int k) const { return index() ? index()[stored_.data()[k]] : stored_.data()[k]; }
-
-    // A full list of them, uninitialised: a row for a row, else a column.
-    M<double> list(bool complex) const
+    int count() const { return first_[pieces_]; }
+    // of(k) for every element k that is not zero, in order.
+    template <class T, class Of> void list(T* to, Of of) const
+    {
+        double const *const re = x_.addr(), *const im = x_.addi();
+        on_all_pieces([&](int piece) {
+            T *const from = to + first_[piece], *const end = to + first_[piece + 1];
+            if (im)
+                list_piece(from, end, start_of(piece), of, [=](int k) { return (re[k] != 0) | (im[k] != 0); });
+            else
+                list_piece(from, end, start_of(piece), of, [=](int k) { return re[k] != 0; });
+        });
+    }
+    // A full list of as many numbers, uninitialised: a row for a row, else a column.
+    M<double> numbers(bool complex) const
     {
         bool const row = x_.getndims() == 2 && x_.rows() == 1;
-        return Access<double>::full(complex, row ? Dims(1, count_) : Dims(count_, 1));
-    }
-    void gather(double* to, double const* from) const
-    {
-        for (int k = 0; k < count_; ++k)
-            to[k] = from[stored_.data()[k]];
+        return Access<double>::full(complex, row ? Dims(1, count()) : Dims(count(), 1));
     }
 
 private:
-    int const* index() const { return Access<double>::index(x_); }
+    static constexpr int least_shared = 131072, most_pieces = 8;
+
+    int start_of(int piece) const { return static_cast<int>(static_cast<std::int64_t>(x_.getnnz()) * piece / pieces_); }
+    template <class Work> void on_all_pieces(Work work) const
+    {
+        parallel_for(pieces_, 1, [&](std::ptrdiff_t piece, std::ptrdiff_t end) {
+            for (; piece < end; ++piece)
+                work(static_cast<int>(piece));
+        });
+    }
+    int count_in(int from, int end) const
+    {
+        double const *const re = x_.addr(), *const im = x_.addi();
+        int count = 0;
+        if (im)
+            for (int k = from; k < end; ++k)
+                count += (re[k] != 0) | (im[k] != 0);
+        else
+            for (int k = from; k < end; ++k)
+                count += re[k] != 0;
+        return count;
+    }
+    // Every element is written and kept when it counts, so that no branch depends on it. Where eight are
+    // still to come, eight may be written.
+    template <class T, class Of, class IsSet> static void list_piece(T* to, T* end, int k, Of of, IsSet is_set)
+    {
+        constexpr int at_once = 8;
+        while (end - to >= at_once)
+            for (int n = 0; n < at_once; ++n, ++k) {
+                *to = of(k);
+                to += is_set(k);
+            }
+        for (; to < end; ++k) {
+            *to = of(k);
+            to += is_set(k);
+        }
+    }
 
     M<double> const& x_;
-    int count_;
-    HeapArray<int> stored_;
+    int pieces_;
+    int first_[most_pieces + 1] = {};
+};
+
+// The numbers of the elements that are not zero, from 0.
+class Stored {
+public:
+    explicit Stored(NonZeros const& found) : list_(static_cast<std::size_t>(found.count()))
+    {
+        if (list_)
+            found.list(list_.data(), [](int k) { return k; });
+    }
+    explicit operator bool() const { return static_cast<bool>(list_); }
+    int operator[](std::ptrdiff_t k) const { return list_.data()[k]; }
+    void gather(double* to, double const* from) const
+    {
+        for (int const k : list_)
+            *to++ = from[k];
+    }
+
+private:
+    HeapArray<int> list_;
 };
 
 // The values in the given shape; without storage after a report.
-M<double> values_of(M<double> const& x, NonZeros const& found, M<double> made)
+M<double> values_of(M<double> const& x, Stored const& stored, M<double> made)
 {
     if (!has_storage(made))
         return made;
     Access<double>::copy_kind(made, x);
-    found.gather(made.addr(), x.addr());
+    stored.gather(made.addr(), x.addr());
     if (made.isc())
-        found.gather(made.addi(), x.addi());
+        stored.gather(made.addi(), x.addi());
     return made;
 }
 
-// False after a report.
-bool rows_and_cols(M<double> const& x, NonZeros const& found, M<double>& rows, M<double>& cols)
+void split_positions(M<double> const& x, Stored const& stored, int count, double* rows, double* cols)
 {
-    rows = found.list(false);
-    cols = found.list(false);
+    // A thread that gets fewer elements than this costs more than it saves.
+    constexpr std::ptrdiff_t share = 1 << 15;
+    int const* const index = Access<double>::index(x);
+    parallel_for(count, share, [&, index, rows, cols](std::ptrdiff_t k, std::ptrdiff_t end) {
+        for (PositionSplit split(x); k < end; ++k) {
+            split.at(index ? index[stored[k]] : stored[k]);
+            rows[k] = split.row() + 1.0;
+            cols[k] = split.column() + 1.0;
+        }
+    });
+}
+
+// Rows, columns and, where they are wanted, values. False after a report.
+bool find_parts(M<double> const& x, M<double>& rows, M<double>& cols, M<double>* values)
+{
+    NonZeros const found(x);
+    Stored const stored(found);
+    if (!stored)
+        return false;
+    rows = found.numbers(false);
+    cols = found.numbers(false);
     if (!has_storage(rows) || !has_storage(cols))
         return false;
-    PositionSplit split(x);
-    for (int k = 0; k < found.count(); ++k) {
-        split.at(found.position(k));
-        rows.addr()[k] = split.row() + 1.0;
-        cols.addr()[k] = split.column() + 1.0;
-    }
-    return true;
+    split_positions(x, stored, found.count(), rows.addr(), cols.addr());
+    if (values)
+        *values = values_of(x, stored, found.numbers(x.isc()));
+    return !values || has_storage(*values);
 }
 
 } // namespace
@@ -104,21 +168,20 @@ bool rows_and_cols(M<double> const& x, NonZeros const& found, M<double>& rows, M
 M<double> find(M<double> const& x)
 {
     NonZeros const found(x);
-    if (!found)
-        return x_M;
-    M<double> made = found.list(false);
+    M<double> made = found.numbers(false);
     if (!has_storage(made))
         return x_M;
-    for (int k = 0; k < found.count(); ++k)
-        made.addr()[k] = found.position(k) + 1.0;
+    if (int const* const index = Access<double>::index(x))
+        found.list(made.addr(), [index](int k) { return index[k] + 1.0; });
+    else
+        found.list(made.addr(), [](int k) { return k + 1.0; });
     return made;
 }
 
 M<double> find(M<double> const& x, i_o_t, Mr<double> cols)
 {
-    NonZeros const found(x);
     M<double> row_list, col_list;
-    if (!found || !rows_and_cols(x, found, row_list, col_list))
+    if (!find_parts(x, row_list, col_list, nullptr))
         return x_M;
     cols = col_list;
     return row_list;
@@ -126,13 +189,24 @@ M<double> find(M<double> const& x, i_o_t, Mr<double> cols)
 
 M<double> find(M<double> const& x, i_o_t, Mr<double> cols, Mr<double> values)
 {
-    NonZeros const found(x);
-    M<double> row_list, col_list;
-    if (!found || !rows_and_cols(x, found, row_list, col_list))
+    M<double> row_list, col_list, value_list;
+    if (!find_parts(x, row_list, col_list, &value_list))
         return x_M;
-    M<double> const value_list = values_of(x, found, found.list(x.isc()));
-    if (!has_storage(value_list))
+    cols = col_list;
+    values = value_list;
+    return row_list;
+}
+
+M<double> find(M<double> const& x, i_o_t, Mr<double> rows, Mr<double> cols, Mr<double> values)
+{
+    M<double> row_list, col_list, value_list;
+    if (!find_parts(x, row_list, col_list, &value_list)) {
+        rows = x_M;
+        cols = x_M;
+        values = x_M;
         return x_M;
+    }
+    rows = row_list;
     cols = col_list;
     values = value_list;
     return row_list;
@@ -152,8 +226,9 @@ M<double> nzmax(M<double> const& a)
 M<double> nonzeros(M<double> const& a)
 {
     NonZeros const found(a);
-    if (!found)
+    Stored const stored(found);
+    if (!stored)
         return x_M;
-    M<double> made = values_of(a, found, Access<double>::full(a.isc(), Dims(found.count(), 1)));
+    M<double> made = values_of(a, stored, Access<double>::full(a.isc(), Dims(found.count(), 1)));
     return has_storage(made) ? made : x_M;
 }

@@ -10,6 +10,7 @@
 #include "runtime/constants.h"
 #include "runtime/errors.h"
 #include "runtime/report.h"
+#include "runtime/workers.h"
 
 #include <algorithm>
 #include <climits>
@@ -182,11 +183,32 @@ template <class T> M<T> turned(M<T> const& A, int quarters)
 
 // --- repmat --------------------------------------------------------------------------------------
 
-// Repeats the first `block` elements until there are `total`, doubling what there is.
+// How much of `count` pieces of work a thread must get. Cells count their references, which one thread
+// does.
+template <class T> std::ptrdiff_t least_share(std::ptrdiff_t count, std::ptrdiff_t elements_each)
+{
+    constexpr std::ptrdiff_t share = 1 << 15;
+    return std::is_same_v<T, double> ? std::max<std::ptrdiff_t>(share / elements_each, 1) : count;
+}
+
+// Repeats the first `block` elements until there are `total`: doubles what there is as long as that is
+// read from the cache.
 template <class T> void repeat(T* elements, std::ptrdiff_t block, std::ptrdiff_t total)
 {
-    for (std::ptrdiff_t done = block; done < total; done *= 2)
-        copy_elements(elements + done, elements, static_cast<int>(std::min(done, total - done)));
+    constexpr std::ptrdiff_t pattern_enough = 1 << 14;
+    std::ptrdiff_t pattern = block;
+    for (; pattern < total && pattern < pattern_enough; pattern *= 2)
+        copy_elements(elements + pattern, elements, static_cast<int>(std::min(pattern, total - pattern)));
+    if (pattern >= total)
+        return;
+    std::ptrdiff_t const rest = total - pattern;
+    parallel_for(rest, least_share<T>(rest, 1), [=](std::ptrdiff_t from, std::ptrdiff_t end) {
+        while (from < end) {
+            std::ptrdiff_t const within = from % pattern, count = std::min(end - from, pattern - within);
+            copy_elements(elements + pattern + from, elements + within, static_cast<int>(count));
+            from += count;
+        }
+    });
 }
 
 struct Tiling {
@@ -206,8 +228,10 @@ template <class T> void tile(Tiling const& tiling, int dim, T const* from, T* to
     if (dim == 0)
         copy_elements(to, from, count);
     else
-        for (std::ptrdiff_t k = 0; k < count; ++k)
-            tile(tiling, dim - 1, from + k * from_step, to + k * to_step);
+        parallel_for(count, least_share<T>(count, to_step), [&](std::ptrdiff_t k, std::ptrdiff_t end) {
+            for (; k < end; ++k)
+                tile(tiling, dim - 1, from + k * from_step, to + k * to_step);
+        });
     repeat(to, count * to_step, count * to_step * tiling.times[dim]);
 }
 
