@@ -6,15 +6,6 @@
 
 static char data_file[512];
 
-// a:b
-static M<double> colon(double a, double b)
-{
-    M<double> range(0, 1, static_cast<int>(b - a + 1));
-    for (double k = a; k <= b; ++k)
-        range.r(k - a + 1) = k;
-    return range;
-}
-
 static M<double> quakes()
 {
     nx_frame frame("quakes");
