@@ -2,6 +2,7 @@
 
 #include "builtins/args.h"
 #include "core/arguments.h"
+#include "core/blocks.h"
 #include "runtime/workers.h"
 
 #include <algorithm>
@@ -135,9 +136,7 @@ M<double> entries_in(Triangle triangle, M<double> const& A, int k)
 
 void copy_triangle(Triangle triangle, int k, double const* from, double* to, int rows, int cols)
 {
-    // A thread that gets fewer elements than this costs more than it saves.
-    constexpr int share = 1 << 15;
-    parallel_for(cols, std::max(share / rows, 1), [=](std::ptrdiff_t column, std::ptrdiff_t end) {
+    parallel_for(cols, least_share<double>(cols, rows), [=](std::ptrdiff_t column, std::ptrdiff_t end) {
         for (; column < end; ++column) {
             KeptRows const kept(triangle, k, static_cast<int>(column), rows);
             std::ptrdiff_t const start = column * rows;

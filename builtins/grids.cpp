@@ -1,6 +1,7 @@
 #include "builtins/grids.h"
 
 #include "builtins/args.h"
+#include "core/blocks.h"
 #include "runtime/workers.h"
 
 #include <algorithm>
@@ -12,15 +13,12 @@ using namespace arrlib;
 
 namespace {
 
-// A thread that gets fewer elements than this costs more than it saves.
-constexpr std::ptrdiff_t share_of_a_thread = 1 << 15;
-
 // Every number `block` times in turn, the whole list over and over. Runs of the list's own numbers are
 // copied, those of one number are filled.
 void spread(double const* values, int count, std::ptrdiff_t block, double* to, std::ptrdiff_t total)
 {
-    std::ptrdiff_t const run = block == 1 ? count : block, least = std::max<std::ptrdiff_t>(share_of_a_thread / run, 1);
-    parallel_for(total / run, least, [=](std::ptrdiff_t from, std::ptrdiff_t end) {
+    std::ptrdiff_t const run = block == 1 ? count : block;
+    parallel_for(total / run, least_share<double>(total / run, run), [=](std::ptrdiff_t from, std::ptrdiff_t end) {
         for (; from < end; ++from)
             if (block == 1)
                 std::memcpy(to + from * run, values, static_cast<std::size_t>(run) * sizeof(double));

@@ -66,10 +66,8 @@ M<double> full_product(M<double> const& A, M<double> const& B)
     M<double> made = full_result(product_shape(A, B), A.isc() || B.isc());
     if (!has_storage(made))
         return x_M;
-    // A thread that gets fewer elements than this costs more than it saves.
-    constexpr int share = 1 << 15;
     std::ptrdiff_t const rows = made.rows(), a_rows = A.rows(), b_rows = B.rows(), b_cols = B.cols();
-    parallel_for(made.cols(), std::max<std::ptrdiff_t>(share / rows, 1), [&](std::ptrdiff_t column, std::ptrdiff_t end) {
+    parallel_for(made.cols(), least_share<double>(made.cols(), rows), [&](std::ptrdiff_t column, std::ptrdiff_t end) {
         for (; column < end; ++column) {
             std::ptrdiff_t const a = column / b_cols * a_rows, b = column % b_cols * b_rows;
             if (made.isc())

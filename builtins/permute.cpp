@@ -113,14 +113,6 @@ struct Axes {
     }
 };
 
-// A thread that gets fewer elements than this costs more than it saves. Cells count their references,
-// which one thread does.
-template <class T> std::ptrdiff_t least_share(std::ptrdiff_t count, std::ptrdiff_t elements_each)
-{
-    constexpr std::ptrdiff_t share = 1 << 15;
-    return std::is_same_v<T, double> ? std::max<std::ptrdiff_t>(share / std::max<std::ptrdiff_t>(elements_each, 1), 1) : count;
-}
-
 // Runs that lie side by side in both values.
 template <class T> void move_runs(Axes const& axes, T const* from, T* to)
 {
@@ -236,11 +228,15 @@ template <class T> M<T> with_leading_ones(M<T> const& A, int n)
     int sizes[max_dims] = {1, 1, 1, 1};
     if (A.size() == 0)
         return share(A);
-    if (n > max_dims - A.getndims()) {
+    // What ends in dimensions of size 1 has fewer to shift.
+    int used = A.getndims();
+    while (used > 0 && A.getdims()[used - 1] == 1)
+        --used;
+    if (n > max_dims - used) {
         Arguments("shiftdim").report("too many dimensions");
         return x_M_of<T>();
     }
-    std::copy_n(A.getdims(), A.getndims(), sizes + n);
+    std::copy_n(A.getdims(), used, sizes + n);
     Dims const shape(max_dims, sizes);
     if constexpr (std::is_same_v<T, double>)
         if (A.issparse() && shape.ndims > 2) {
@@ -267,7 +263,7 @@ template <class T> M<T> shifted(M<T> const& A, M<double> const& n)
     if (!given(n))
         return without_leading_ones(A, leading_ones(A));
     int const shifts = integer_argument(n);
-    return shifts >= 0 ? turned_left(A, shifts) : with_leading_ones(A, shifts < -max_dims ? max_dims : -shifts);
+    return shifts >= 0 ? turned_left(A, shifts) : with_leading_ones(A, shifts < -max_dims ? max_dims + 1 : -shifts);
 }
 
 template <class T> M<T> give_shifted(M<T> const& A, M<double> const& n, Mr<T>& B)

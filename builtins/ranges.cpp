@@ -2,6 +2,7 @@
 
 #include "builtins/args.h"
 #include "core/arguments.h"
+#include "core/blocks.h"
 #include "core/heap_array.h"
 #include "ops/creator.h"
 #include "ops/elementwise.h"
@@ -17,13 +18,10 @@ using namespace arrlib;
 
 namespace {
 
-// A thread that gets fewer elements than this costs more than it saves.
-constexpr std::ptrdiff_t share_of_a_thread = 1 << 16;
-
 // first + k*step; the first one as it is, whatever the step.
 void fill_evenly(double* to, int count, double first, double step)
 {
-    parallel_for(count, share_of_a_thread, [=](std::ptrdiff_t from, std::ptrdiff_t end) {
+    parallel_for(count, least_share<double>(count, 1), [=](std::ptrdiff_t from, std::ptrdiff_t end) {
         for (int k = static_cast<int>(from); k < static_cast<int>(end); ++k)
             to[k] = first + k * step;
     });

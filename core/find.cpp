@@ -1,4 +1,5 @@
 // Where the non-zeros of a value are, how many there are, and which.
+#include "core/blocks.h"
 #include "core/sparse.h"
 #include "core/sparse_build.h"
 #include "core/subscript.h"
@@ -134,10 +135,8 @@ M<double> values_of(M<double> const& x, Stored const& stored, M<double> made)
 
 void split_positions(M<double> const& x, Stored const& stored, int count, double* rows, double* cols)
 {
-    // A thread that gets fewer elements than this costs more than it saves.
-    constexpr std::ptrdiff_t share = 1 << 15;
     int const* const index = Access<double>::index(x);
-    parallel_for(count, share, [&, index, rows, cols](std::ptrdiff_t k, std::ptrdiff_t end) {
+    parallel_for(count, least_share<double>(count, 1), [&, index, rows, cols](std::ptrdiff_t k, std::ptrdiff_t end) {
         for (PositionSplit split(x); k < end; ++k) {
             split.at(index ? index[stored[k]] : stored[k]);
             rows[k] = split.row() + 1.0;

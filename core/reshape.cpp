@@ -183,14 +183,6 @@ template <class T> M<T> turned(M<T> const& A, int quarters)
 
 // --- repmat --------------------------------------------------------------------------------------
 
-// How much of `count` pieces of work a thread must get. Cells count their references, which one thread
-// does.
-template <class T> std::ptrdiff_t least_share(std::ptrdiff_t count, std::ptrdiff_t elements_each)
-{
-    constexpr std::ptrdiff_t share = 1 << 15;
-    return std::is_same_v<T, double> ? std::max<std::ptrdiff_t>(share / elements_each, 1) : count;
-}
-
 // Repeats the first `block` elements until there are `total`: doubles what there is as long as that is
 // read from the cache.
 template <class T> void repeat(T* elements, std::ptrdiff_t block, std::ptrdiff_t total)

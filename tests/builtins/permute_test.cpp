@@ -112,6 +112,7 @@ TEST(Permute, ShiftdimAndSqueeze)
         {shown(shiftdim(nd({2, 1, 2}, {1, 2, 3, 4}), 4)), "1x2x2: 1 3 2 4"},
         {all_shown(shiftdim(flat, -1, i_o, B, n), n), "1x1x3: 1 2 3, 1x1: -1"},
         {all_shown(shiftdim(sparse(column({0, 4})), -1), shiftdim(sparse(column({0, 4})), -2)), "sparse 1x2: (1,2)=4, 1x1x2: 0 4"},
+        {shown(shiftdim(column({1, 2}), -3)), "1x1x1x2: 1 2"},
         {shown(shiftdim(M<double>(), 3)) + shown(squeeze(M<double>())), "0x0:0x0:"},
     });
     EXPECT_EQ(reported_by([&] { EXPECT_EQ(shiftdim(line, -2, i_o, B, n).size() + B.size() + n.size(), 0); }), "shiftdim: too many dimensions");

@@ -58,6 +58,24 @@ M<double> list(std::initializer_list<double> numbers)
     return made;
 }
 
+TEST(Reshape, TilesLargeValuesOnSeveralThreads)
+{
+    struct Case {
+        int rows, cols, down, across;
+    } const cases[] = {{7, 300, 31, 9}, {1, 1, 300, 500}, {1, 500, 400, 1}, {3000, 1, 1, 70}, {300, 300, 1, 3}};
+    for (Case const& c : cases) {
+        M<double> a(1, c.rows, c.cols);
+        for (int k = 0; k < a.size(); ++k)
+            a.addi()[k] = -(a.addr()[k] = k);
+        M<double> const tiled = repmat(a, c.down, c.across);
+        ASSERT_EQ(tiled.size(), a.size() * c.down * c.across);
+        for (int k = 0; k < tiled.size(); ++k) {
+            double const expected = k / tiled.rows() % c.cols * c.rows + k % tiled.rows() % c.rows;
+            ASSERT_TRUE(tiled.addr()[k] == expected && tiled.addi()[k] == -expected) << k << " of " << c.rows;
+        }
+    }
+}
+
 TEST(Reshape, RearrangesEveryKindAsTheModelDoes)
 {
     shapes::Source source;

@@ -376,6 +376,32 @@ TEST_F(Sparse, FindCountsColumnsThroughFurtherDimensions)
     M<double> const rows = find(cube, i_o, cols, values);
     EXPECT_EQ((Numbers{rows[1], cols[1], values[1]}), (Numbers{2, 3, 7}));
     EXPECT_EQ(find(cube)[1], 6);
+    // Three outputs of its own, the rows among them.
+    M<double> rows_again;
+    EXPECT_EQ(find(cube, i_o, rows_again, cols, values)[1], 2);
+    EXPECT_EQ((Numbers{rows_again[1], cols[1], values[1]}), (Numbers{2, 3, 7}));
+}
+
+TEST_F(Sparse, FindOnSeveralThreads)
+{
+    for (bool const complex : {false, true})
+        for (int const every : {1, 3, 1000, 400001}) {
+            M<double> x(complex, 400, 1000);
+            Numbers expected;
+            for (int k = 0; k < x.size(); ++k) {
+                bool const set = k % every == every - 1;
+                x.addr()[k] = set && !complex ? k : 0;
+                if (complex)
+                    x.addi()[k] = set;
+                if (set && (complex || k > 0))
+                    expected.push_back(k + 1);
+            }
+            EXPECT_EQ(elements(find(x)), expected) << every;
+            M<double> cols;
+            M<double> const found = find(x, i_o, cols);
+            for (std::size_t k = 0; k < expected.size(); ++k)
+                ASSERT_EQ(found.addr()[k] + 400 * (cols.addr()[k] - 1), expected[k]);
+        }
 }
 
 TEST_F(Sparse, DrawsTheEntriesAskedFor)
