@@ -52,7 +52,8 @@ struct Dims {
 private:
     Dims(int n, int rows, int cols)
     {
-        int const sizes[] = {rows, cols};
+        // As long as the longest list: g++ cannot see that the last two are not read.
+        int const sizes[max_dims] = {rows, cols, 1, 1};
         *this = Dims(n, sizes);
     }
 };
