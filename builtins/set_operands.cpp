@@ -1,5 +1,8 @@
 #include "builtins/set_operands.h"
 
+#include "runtime/errors.h"
+#include "runtime/messages.h"
+
 #include <string>
 
 namespace arrlib {
@@ -34,6 +37,11 @@ NumberOperands::NumberOperands(Arguments const& args, M<double> const& a, M<doub
 {
     check(args, a, b, option);
     ok_ = ok_ && has_storage(a_) && has_storage(b_);
+    // Members of both are numbered as one sequence.
+    if (ok_ && members(a_) > most_elements - members(b_)) {
+        error(messages::out_of_memory);
+        ok_ = false;
+    }
 }
 
 void NumberOperands::check(Arguments const& args, M<double> const& a, M<double> const& b, M<double> const& option)

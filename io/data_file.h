@@ -10,7 +10,7 @@
 // appears whole or not at all: the old one stays until the new one is on the disk. Numbers keep their
 // bits; they are written in the byte order of this machine. Both return the empty matrix.
 
-// Level 5. Characters are written as 16-bit codes, those of bytes above 127 as 128 to 255; a complex
+// Saves matrices in a level-5 file. Characters are written as 16-bit codes, those of bytes above 127 as 128 to 255; a complex
 // text is written as numbers, a sparse matrix of more than two dimensions in full. "save: %s could
 // not be created", "save: matrix '%s' has more than 2 GiB and can not be saved", "save5: '%s' could
 // not write header", "save5: could not save matrix name in file '%s'", "savev5: could not write file
@@ -21,7 +21,7 @@ template <class... Matrices> M<double> save(M<double> const& filename, M<double>
     return arrlib::call_with_list<M<double>, Matrices...>(save_list, filename, first, others...);
 }
 
-// Level 4, for matrices of two dimensions; there is no logical kind. "save: matrix '%s' has more than
+// Saves matrices of two dimensions in a level-4 file; there is no logical kind. "save: matrix '%s' has more than
 // two dimensions and can not be saved in 4.0 format", "save: %s could not be created", "save: could
 // not write header", "save: could not write matrix name", "save: could not write real part", "save:
 // could not write imag part", "could not write %s".

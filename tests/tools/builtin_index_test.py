@@ -33,7 +33,7 @@ template <> ARRLIB_API M<double> M<double>::area();
 ARRLIB_API M<double> arrange(M<double> const& A);
 ARRLIB_API M<double> arrange(M<double> const& A,
                              M<double> const& dim);
-ARRLIB_API M<double> arrange(M<double> const& A, i_o_t, Mr<double> y);
+ARRLIB_API M<double> arrange(M<double> const& A, i_o_t, Mr<double> y = {});
 ARRLIB_API M<M<double>> arrange(M<M<double>> const& A, i_o_t, Mr<double> y, Mr<double> i);
 inline M<double> same_comment(double (*function)(double), int, char const* name = "a,b") { if (one) { return {}; } return 1; }
 
