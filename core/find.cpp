@@ -177,38 +177,30 @@ M<double> find(M<double> const& x)
     return made;
 }
 
-M<double> find(M<double> const& x, i_o_t, Mr<double> cols)
+M<double> find(M<double> const& x, i_o_t, Mr<double> positions)
 {
-    M<double> row_list, col_list;
-    if (!find_parts(x, row_list, col_list, nullptr))
-        return x_M;
-    cols = col_list;
-    return row_list;
+    M<double> const list = find(x);
+    positions = list;
+    return list;
 }
 
-M<double> find(M<double> const& x, i_o_t, Mr<double> cols, Mr<double> values)
+M<double> find(M<double> const& x, i_o_t, Mr<double> rows, Mr<double> cols)
 {
-    M<double> row_list, col_list, value_list;
-    if (!find_parts(x, row_list, col_list, &value_list))
-        return x_M;
-    cols = col_list;
-    values = value_list;
-    return row_list;
+    M<double> row_list, col_list;
+    bool const found = find_parts(x, row_list, col_list, nullptr);
+    rows = found ? row_list : x_M;
+    cols = found ? col_list : x_M;
+    return found ? row_list : x_M;
 }
 
 M<double> find(M<double> const& x, i_o_t, Mr<double> rows, Mr<double> cols, Mr<double> values)
 {
     M<double> row_list, col_list, value_list;
-    if (!find_parts(x, row_list, col_list, &value_list)) {
-        rows = x_M;
-        cols = x_M;
-        values = x_M;
-        return x_M;
-    }
-    rows = row_list;
-    cols = col_list;
-    values = value_list;
-    return row_list;
+    bool const found = find_parts(x, row_list, col_list, &value_list);
+    rows = found ? row_list : x_M;
+    cols = found ? col_list : x_M;
+    values = found ? value_list : x_M;
+    return found ? row_list : x_M;
 }
 
 M<double> nnz(M<double> const& a)

@@ -49,10 +49,9 @@ ARRLIB_API M<double> nzmax(M<double> const& a);
 ARRLIB_API M<double> nonzeros(M<double> const& a);
 // Positions of the non-zeros (NaN is one): a row for a row vector, else a column; 0x0 for none.
 ARRLIB_API M<double> find(M<double> const& x);
-// Returns their rows; gives their columns, counted through all further dimensions, and values. Three
-// outputs take the rows as well.
-ARRLIB_API M<double> find(M<double> const& x, i_o_t, Mr<double> cols);
-ARRLIB_API M<double> find(M<double> const& x, i_o_t, Mr<double> cols, Mr<double> values);
+ARRLIB_API M<double> find(M<double> const& x, i_o_t, Mr<double> positions);
+// Their rows and columns, counted through all further dimensions, and their values.
+ARRLIB_API M<double> find(M<double> const& x, i_o_t, Mr<double> rows, Mr<double> cols);
 ARRLIB_API M<double> find(M<double> const& x, i_o_t, Mr<double> rows, Mr<double> cols, Mr<double> values);
 // A row per stored entry: row, column, value; a complex value has its parts in columns 3 and 4.
 ARRLIB_API M<double> sp2coo(M<double> const& a);

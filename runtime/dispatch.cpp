@@ -60,16 +60,16 @@ M<double> unnamed(M<double> const& value)
 M<double> call(M<double> const& name, std::initializer_list<M<double> const*> inputs, std::initializer_list<OptionalOutput> outputs)
 {
     auto const given = std::find(inputs.begin(), inputs.end(), &absent_input) - inputs.begin();
-    auto const wanted = std::count_if(outputs.begin(), outputs.end(), [](OptionalOutput const& output) { return output.has_value(); });
+    auto const wanted = std::count_if(outputs.begin(), outputs.end(), [](OptionalOutput const& output) { return static_cast<bool>(output); });
     M<M<double>> cells = room_for_inputs(static_cast<int>(given));
     for (int k = 0; k < given; ++k)
         cells.addr()[k] = *inputs.begin()[k];
     M<double> const none = unnamed(x_M);
     M<double> made[most_named_outputs] = {none, none, none, none, none, none}, *next = made;
     call_by_name(name, cells, made, std::max(static_cast<int>(wanted), 1));
-    for (OptionalOutput output : outputs) {
-        if (output && (output->count() == 0 || !is_no_result(*next)))
-            *output = *next;
+    for (OptionalOutput const& output : outputs) {
+        if (output && (output.is_whole() || !is_no_result(*next)))
+            output.take(*next);
         ++next;
     }
     return is_no_result(made[0]) ? x_M : made[0];
@@ -97,6 +97,12 @@ constinit feval_func_t feval_func = feval_not_linked;
 constinit callback_func_t callback_func = callback_not_linked;
 constinit GraphicsServices const arrlib::graphics_services = {runtime_version, run_callback, report_error};
 constinit M<double> const arrlib::absent_input{nullptr, StaticStorage<double>{0, 0, nullptr, nullptr, nullptr}};
+
+void OptionalOutput::take(M<double> const& value) const
+{
+    Mr<double> place = variable_ ? Mr<double>(*variable_) : *selection_;
+    place = value;
+}
 
 M<M<double>> arrlib::room_for_inputs(int count)
 {

@@ -5,8 +5,6 @@
 #include "core/matrix.h"
 #include "core/subscript.h"
 
-#include <optional>
-
 // The dispatchers, which the program stores here before its first call. The one for functions gets the
 // function's name, its inputs as a row of cells, and the places of six outputs; what it returns is the
 // first output once more. Until then, and when null is stored: "feval was not linked with the
@@ -19,8 +17,23 @@ ARRLIB_API extern callback_func_t callback_func;
 
 namespace arrlib {
 
-// The place of an output that nobody wants.
-using OptionalOutput = std::optional<Mr<double>>;
+// The place of an output, or of one that nobody wants. For the length of a call: it refers to what it was
+// made from.
+class ARRLIB_API OptionalOutput {
+public:
+    OptionalOutput() = default;
+    OptionalOutput(M<double>& variable) : variable_(&variable) {}
+    OptionalOutput(Mr<double> const& selection) : selection_(&selection) {}
+
+    explicit operator bool() const { return variable_ || selection_; }
+    // Whether a whole variable takes the output.
+    bool is_whole() const { return variable_ || (selection_ && selection_->count() == 0); }
+    void take(M<double> const& value) const;
+
+private:
+    M<double>* variable_ = nullptr;
+    Mr<double> const* selection_ = nullptr;
+};
 // Stands for an input that was not given; recognised by its address.
 ARRLIB_API extern M<double> const absent_input;
 

@@ -44,7 +44,7 @@ static M<double> life()
         }
     }
     frame.line(18);
-    i = find(alive(colon(1.0, 20.0), colon(1.0, 20.0)), i_o, j);
+    find(alive(colon(1.0, 20.0), colon(1.0, 20.0)), i_o, i, j);
     frame.line(19);
     corner = (BR(i), j);
     disp_all(corner);

@@ -86,7 +86,7 @@ static M<double> quakes()
     occupied = nnz(squares);
     disp_all(occupied);
     frame.line(42);
-    row = find(squares, i_o, col, count);
+    find(squares, i_o, row, col, count);
     frame.line(43);
     double most = 0;
     for (double k = 1; k <= scalar(occupied); ++k) {

@@ -11,6 +11,8 @@ import sys
 
 # Declared for modules to define.
 NOT_OURS = {"mexFunction"}
+# Of the C++ library, which some headers include.
+NOT_OUR_NAMESPACES = {"std", "__gnu_cxx", "__cxxabiv1"}
 # Makes the compiler look at the members of all classes of the library that have a parameter.
 INSTANCES = "".join(f"static_assert(sizeof({name}<double>) + sizeof({name}<M<double>>) > 0);\n" for name in ("M", "Mr", "Ms", "Sr", "Mb", "Mc"))
 # What comes with a class.
@@ -67,6 +69,8 @@ class Declarations:
 
     def walk(self, node, in_exported_class, in_template):
         kind, name = node.get("kind"), node.get("mangledName")
+        if kind == "NamespaceDecl" and node.get("name") in NOT_OUR_NAMESPACES:
+            return
         if kind in self.FUNCTIONS and name and not node.get("explicitlyDeleted") and not node.get("isImplicit"):
             marked = self.is_marked(node)
             if marked or in_exported_class:
