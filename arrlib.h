@@ -26,6 +26,7 @@
 #include "builtins/sets.h"
 #include "builtins/sizes.h"
 #include "builtins/sort.h"
+#include "builtins/specfun.h"
 #include "builtins/special_matrices.h"
 #include "builtins/stubs.h"
 #include "builtins/types.h"
