@@ -157,7 +157,7 @@ bool climb_to_turning(Wide nu, WideComplex z, Neighbours& k)
 {
     constexpr Wide most_steps = 1e6L;
     Wide const whole = std::floor(nu);
-    for (Wide down = std::ceil(7 * std::cbrt(abs(z))); down < most_steps; down = std::ceil(1.5L * down)) {
+    for (Wide down = std::ceil(8.5L * std::cbrt(abs(z))); down < most_steps; down = std::ceil(1.5L * down)) {
         Wide const steps = std::min(down, whole), mu = nu - steps;
         ModifiedPair first, second;
         if (uniform_expansion(mu, z, first) && uniform_expansion(mu + 1, z, second)) {
