@@ -7,6 +7,7 @@ import time
 import numpy as np
 import scipy.io
 import scipy.sparse as sp
+import scipy.special as special
 
 
 def best(work, repeats=5):
@@ -199,6 +200,11 @@ def life(kind):
     assert alive.sum() == 1828
 
 
+unit = random.random(100000)
+upto50, order = 50 * unit, 10 * unit * unit
+plane = upto50 * np.exp(3j * random.random(100000))
+
+
 # A row by another name than the implementation that its first word stands for: (row, implementation).
 rows = {
     "life, 200x200, 500 generations": lambda: best(lambda: life(np.float64), 3),
@@ -218,6 +224,19 @@ rows = {
     "colon, 1e3": lambda: often(lambda: np.arange(0, 500, 0.5)),
     "linspace, 1e6": lambda: best(lambda: np.linspace(0, 1, 1000000), 50),
     "zeros, 1e6": lambda: best(lambda: np.full((1000, 1000), 0.0), 50),
+    "besselj of order 0, 1e5": lambda: best(lambda: special.jv(0, upto50)),
+    "besselj of real order, 1e5": lambda: best(lambda: special.jv(order, upto50)),
+    "besselk of order 2.5, 1e5": lambda: best(lambda: special.kv(2.5, upto50)),
+    "besselj of complex, 1e5": lambda: best(lambda: special.jv(order, plane)),
+    "besselh of complex, 1e5": lambda: best(lambda: special.hankel1(order, plane)),
+    "besselj of complex, large order, 1e5": lambda: best(lambda: special.jv(100 * order, 10 * plane)),
+    "airy of real, 1e5": lambda: best(lambda: special.airy(upto50 - 25)),
+    "airy of complex, 1e5": lambda: best(lambda: special.airy(plane)),
+    "expint of real, 1e5": lambda: best(lambda: special.exp1(upto50)),
+    "expint of complex, 1e5": lambda: best(lambda: special.exp1(plane)),
+    "ellipj, 1e5": lambda: best(lambda: special.ellipj(upto50, unit)),
+    "betainc, 1e5": lambda: best(lambda: special.betainc(order + 0.1, upto50 / 3 + 0.1, unit)),
+    "betaln, 1e5": lambda: best(lambda: special.betaln(upto50 + 0.1, order + 0.1)),
     "sprintf('%d,') of 1e6": lambda: best(lambda: ("%d," * len(integers)) % tuple(integers), 3),
     "fprintf('%g\\n') of 1e6": lambda: best(lambda: ("%g\n" * numbers.size) % tuple(numbers), 3),
     "fscanf('%g') of 1e6": scan_numbers,

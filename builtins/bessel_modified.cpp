@@ -142,7 +142,7 @@ WideComplex wronskian_i(Wide nu, WideComplex z, Neighbours const& k)
     Wide const size = abs(z);
     Wide const steps = std::ceil(std::max(size - nu, 0.0L) + 8.5L * std::cbrt(size) + 10);
     WideComplex const twice = 2 * reciprocal(z);
-    WideComplex above = 0, here = std::numeric_limits<Wide>::min() / std::numeric_limits<Wide>::epsilon();
+    WideComplex above = 0, here = 1;
     for (Wide j = steps; j >= 1; j -= 1) {
         WideComplex const below = (nu + j) * twice * here + above;
         above = here;
@@ -188,8 +188,9 @@ ModifiedPair in_first_quadrant(Wide nu, WideComplex z, Modified wanted)
     if (size < large) {
         Wide const steps = std::nearbyint(nu), mu = nu - steps;
         k = climb(size <= small ? series_k(mu, z) : fraction_k(mu, z), mu, steps, z);
-    } else {
-        found.converged = climb_to_turning(nu, z, k);
+    } else if (!climb_to_turning(nu, z, k)) {
+        found.converged = false;
+        return found;
     }
     constexpr Wide infinite = std::numeric_limits<Wide>::infinity();
     found.k = rough_size(k.k) < infinite ? k.k : WideComplex(infinite);

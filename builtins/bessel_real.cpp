@@ -22,14 +22,21 @@ double from_boost(BesselKind kind, double nu, double x)
     case BesselKind::i:
         return boost::math::cyl_bessel_i(nu, x, BoostPolicy());
     default:
-        return boost::math::cyl_bessel_k(nu, x, BoostPolicy());
+        return boost::math::cyl_bessel_k(nu, x, BoostDoublePolicy());
     }
 }
 
 bool boost_serves(BesselKind kind, double nu, double x)
 {
-    bool const oscillates = kind == BesselKind::j || kind == BesselKind::y;
-    return oscillates ? nu <= 100 && x <= 1e4 : (nu == 0 || nu == 1) && x <= 700;
+    switch (kind) {
+    case BesselKind::j:
+    case BesselKind::y:
+        return nu <= 100 && x <= 1e4;
+    case BesselKind::i:
+        return (nu == 0 || nu == 1) && x <= 700;
+    default:
+        return nu <= 100 && x <= 700;
+    }
 }
 
 double narrow(Wide part, Wide exponent)

@@ -13,6 +13,8 @@ namespace boost_policies = boost::math::policies;
 using BoostPolicy = boost_policies::policy<boost_policies::domain_error<boost_policies::ignore_error>, boost_policies::pole_error<boost_policies::ignore_error>,
     boost_policies::overflow_error<boost_policies::ignore_error>, boost_policies::rounding_error<boost_policies::ignore_error>,
     boost_policies::indeterminate_result_error<boost_policies::ignore_error>, boost_policies::evaluation_error<boost_policies::throw_on_error>>;
+// The same in plain doubles, several times faster, where that is as good to a few units in 1e-15.
+using BoostDoublePolicy = boost_policies::normalise<BoostPolicy, boost_policies::promote_double<false>>::type;
 
 } // namespace arrlib
 

@@ -44,7 +44,9 @@ double incomplete_beta(double x, double a, double b)
         return x;
     if (std::isinf(a) || std::isinf(b))
         return std::isinf(a) ? 0 : 1;
-    return settled([=] { return boost::math::ibeta(a, b, x, BoostPolicy()); });
+    constexpr double moderate = 50;
+    bool const plain = a <= moderate && b <= moderate;
+    return settled([=] { return plain ? boost::math::ibeta(a, b, x, BoostDoublePolicy()) : boost::math::ibeta(a, b, x, BoostPolicy()); });
 }
 
 Spread spread(M<double> const& x)

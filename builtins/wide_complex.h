@@ -37,15 +37,11 @@ constexpr WideComplex conj(WideComplex a) { return {a.re, -a.im}; }
 // i a
 constexpr WideComplex turned(WideComplex a) { return {-a.im, a.re}; }
 
+// The exponents of `long double` leave room for the square.
 inline WideComplex reciprocal(WideComplex a)
 {
-    Wide const quotient = std::fabs(a.re) >= std::fabs(a.im) ? a.im / a.re : a.re / a.im;
-    if (std::fabs(a.re) >= std::fabs(a.im)) {
-        Wide const scale = 1 / (a.re + a.im * quotient);
-        return {scale, -quotient * scale};
-    }
-    Wide const scale = 1 / (a.re * quotient + a.im);
-    return {quotient * scale, -scale};
+    Wide const scale = 1 / (a.re * a.re + a.im * a.im);
+    return {a.re * scale, -a.im * scale};
 }
 inline WideComplex operator/(WideComplex a, WideComplex b) { return a * reciprocal(b); }
 
