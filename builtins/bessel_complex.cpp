@@ -116,5 +116,6 @@ BesselValue arrlib::bessel_of_complex(BesselKind kind, double nu, double re, dou
         found = ordinary(mirrored, nu, {re, -im}, scaled);
         found.value = conj(found.value);
     }
-    return {static_cast<double>(found.value.re), static_cast<double>(found.value.im), found.converged ? bessel_fine : bessel_not_converged};
+    WideComplex const value = after_overflow(found.value);
+    return {static_cast<double>(value.re), static_cast<double>(value.im), found.converged ? bessel_fine : bessel_not_converged};
 }

@@ -38,7 +38,7 @@ struct ReciprocalGamma {
 // 1/gamma(nu + 1); orders are moderate where it is asked.
 Wide reciprocal_factorial(Wide nu)
 {
-    Wide const whole = std::nearbyint(nu), rest = nu - whole;
+    Wide const whole = std::rint(nu), rest = nu - whole;
     Wide product = 1;
     for (Wide k = 1; k <= whole; k += 1)
         product *= rest + k;
@@ -186,7 +186,7 @@ ModifiedPair in_first_quadrant(Wide nu, WideComplex z, Modified wanted)
 
     Neighbours k;
     if (size < large) {
-        Wide const steps = std::nearbyint(nu), mu = nu - steps;
+        Wide const steps = std::rint(nu), mu = nu - steps;
         k = climb(size <= small ? series_k(mu, z) : fraction_k(mu, z), mu, steps, z);
     } else if (!climb_to_turning(nu, z, k)) {
         found.converged = false;

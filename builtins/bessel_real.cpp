@@ -62,8 +62,7 @@ public:
         case BesselKind::y:
             return part(turn.im, BesselKind::j, order, x) + part(turn.re, BesselKind::y, order, x);
         default:
-            // K has the scale of I here.
-            return part(1, BesselKind::i, order, x) + part(2 / wide_pi * turn.im, BesselKind::k, order, x) * (scaled_ ? std::exp(-2 * x) : 1);
+            return turn.im == 0 ? of_positive(BesselKind::i, order, x) : reflected_i(order, 2 / wide_pi * turn.im, x);
         }
     }
 
@@ -72,6 +71,18 @@ private:
     double part(Wide factor, BesselKind kind, double order, double x) const
     {
         return factor == 0 ? 0 : static_cast<double>(factor * of_positive(kind, order, x));
+    }
+
+    // I + factor K, K with the scale of I.
+    double reflected_i(double order, Wide factor, double x) const
+    {
+        if (x == 0)
+            return factor < 0 ? -infinity : infinity;
+        if (std::isinf(x))
+            return of_positive(BesselKind::i, order, x);
+        ModifiedPair const pair = modified_bessel(order, x, Modified::both);
+        Wide const shift = scaled_ ? x : 0, exponent = pair.offset.re + x;
+        return pair.converged ? narrow(pair.i.re, exponent - shift) + narrow(factor * pair.k.re, -exponent - shift) : not_a_number;
     }
 
     double of_positive(BesselKind kind, double order, double x) const
@@ -83,10 +94,12 @@ private:
         bool const rescaled = scaled_ && (kind == BesselKind::i || kind == BesselKind::k);
         if (!rescaled && boost_serves(kind, order, x)) {
             try {
-                return from_boost(kind, order, x);
+                double const value = from_boost(kind, order, x);
+                if (!std::isnan(value))
+                    return value;
             } catch (...) {
-                // The other formulas may do.
             }
+            // The other formulas may do.
         }
         return from_modified(kind, order, x);
     }
@@ -114,14 +127,15 @@ private:
     bool scaled_;
 };
 
-double times(Wide factor, double value)
-{
-    return factor == 0 ? 0 : static_cast<double>(factor * value);
-}
-
 BesselValue finished(double re, double im)
 {
     return {re, im, std::isnan(re) || std::isnan(im) ? bessel_not_converged : bessel_fine};
+}
+
+// A factor of 0 leaves nothing of an infinite value.
+Wide times(Wide factor, double value)
+{
+    return factor == 0 ? 0 : factor * value;
 }
 
 // J + iY and J - iY.
@@ -152,20 +166,31 @@ BesselValue arrlib::bessel_of_real(BesselKind kind, double nu, double x, bool sc
 
     // x e^(pi i), with factors that are exact where they are 0 or 1.
     x = -x;
+    if (kind == BesselKind::k)
+        nu = std::fabs(nu);
     WideComplex const turn = cis_pi(nu);
+    double const value = bessel(kind, nu, x);
+    double other = 0;
+    if (kind == BesselKind::y && turn.re != 0)
+        other = bessel(BesselKind::j, nu, x);
+    else if (kind == BesselKind::k)
+        other = bessel(BesselKind::i, nu, x);
+    if (std::isnan(value) || std::isnan(other))
+        return finished(not_a_number, 0);
+
+    WideComplex made;
     switch (kind) {
-    case BesselKind::j:
-    case BesselKind::i: {
-        double const value = bessel(kind, nu, x);
-        return finished(times(turn.re, value), times(turn.im, value));
+    case BesselKind::y:
+        made = {times(turn.re, value), times(2 * turn.re, other) - times(turn.im, value)};
+        break;
+    case BesselKind::k: {
+        double const k = scaled ? value * std::exp(-2 * x) : value;
+        made = {times(turn.re, k), -times(turn.im, k) - times(wide_pi, other)};
+        break;
     }
-    case BesselKind::y: {
-        double const y = bessel(kind, nu, x), j = turn.re == 0 ? 0 : bessel(BesselKind::j, nu, x);
-        return finished(times(turn.re, y), times(2 * turn.re, j) - times(turn.im, y));
+    default:
+        made = {times(turn.re, value), times(turn.im, value)};
     }
-    default: {
-        double const i = RealBessel(scaled)(BesselKind::i, nu, x), k = bessel(kind, nu, x) * (scaled ? std::exp(-2 * x) : 1);
-        return finished(times(turn.re, k), -times(turn.im, k) - times(wide_pi, i));
-    }
-    }
+    made = after_overflow(made);
+    return finished(static_cast<double>(made.re), static_cast<double>(made.im));
 }

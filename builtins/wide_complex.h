@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <complex>
+#include <limits>
 
 namespace arrlib {
 
@@ -72,10 +73,19 @@ inline WideComplex grown(WideComplex a, WideComplex exponent)
     return {turned_a.re == 0 ? 0 : turned_a.re * size, turned_a.im == 0 ? 0 : turned_a.im * size};
 }
 
+// What is left of a value after overflow: infinite parts, beside parts that nobody knows, which count
+// as 0.
+inline WideComplex after_overflow(WideComplex value)
+{
+    if (std::isnan(value.re) && std::isnan(value.im))
+        return std::numeric_limits<Wide>::infinity();
+    return {std::isnan(value.re) ? 0 : value.re, std::isnan(value.im) ? 0 : value.im};
+}
+
 // exp(i pi x), exact at multiples of 1/2.
 inline WideComplex cis_pi(Wide x)
 {
-    Wide const reduced = std::remainder(x, 2.0L), quarter = std::nearbyint(2 * reduced);
+    Wide const reduced = x - 2 * std::rint(x / 2), quarter = std::rint(2 * reduced);
     Wide const angle = wide_pi * (reduced - quarter / 2), c = std::cos(angle), s = std::sin(angle);
     switch (static_cast<int>(quarter) & 3) {
     case 0:

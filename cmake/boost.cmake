@@ -12,4 +12,6 @@ if(CMAKE_CROSSCOMPILING)
 endif()
 foreach(library arrlib arrlib_inside)
   target_include_directories(${library} SYSTEM PRIVATE ${arrlib_boost_include})
+  # No notes on every file about compilers that are not these.
+  target_compile_definitions(${library} PRIVATE BOOST_MATH_DISABLE_DEPRECATED_03_WARNING)
 endforeach()
