@@ -184,6 +184,26 @@ TEST(Specfun, EndsWhereItShould)
     EXPECT_EQ(shown(w) + " / " + shown(ierr), "1x1: NaN / 1x1: 5");
 }
 
+// Extreme operands give numbers, zeros or infinities.
+TEST(Specfun, OverflowIsNeverNaN)
+{
+    double const sizes[] = {0, 5e-324, 1e-160, 0.02, 1, 435, 1e5, 1e100, 1.7e308};
+    auto const expect_number = [](M<double> const& w, std::string const& what) {
+        EXPECT_FALSE(std::isnan(number(w).real()) || std::isnan(number(w).imag())) << what << ": " << number(w);
+    };
+    for (double x : sizes)
+        for (double y : sizes)
+            for (int sign = 0; sign < 4; ++sign) {
+                M<double> const z = argument(sign % 2 ? -x : x, sign / 2 ? -y : y);
+                expect_number(expint(z), call("expint", sign, x, y));
+                for (int k = 0; k < 4; ++k)
+                    expect_number(airy(k, z), call("airy", k, sign, x, y));
+                for (double nu : {0.0, 0.4, -19.0, -924.3, 1e7, -3e9 - 0.25})
+                    for (int kind = 0; kind < 12; ++kind)
+                        expect_number(bessel_kind(kind % 6, nu, z, kind / 6), call("kind", kind, nu, sign, x, y));
+            }
+}
+
 TEST(Specfun, SaysWhatIsWrong)
 {
     M<double> const two = row({1, 2}), three = column({1, 2, 3}), complex = argument(1, 1);
