@@ -29,7 +29,7 @@ template <class T> struct Access {
     // Most elements of a real value whose storage is a chunk of the pool.
     static constexpr int most_small = static_cast<int>((Pool::largest_small - sizeof(StorageRecord)) / sizeof(double)) - Storage<double>::spare;
 
-    // A real full value of at least one and at most that many numbers; empty after a report.
+    // A real full value of few numbers, at least one, built with less ado than by full(); empty after a report.
     static M<double> small(int rows, int cols)
     {
         M<double> made = Access<double>::without_storage();

@@ -23,6 +23,42 @@ M<double> taken(M<double> const& x, bool temporary)
     return temporary ? M<double>(std::move(const_cast<M<double>&>(x))) : x;
 }
 
+// The engine takes longer to find its way than to compute so few elements.
+constexpr int most_elements_past_engine = 16;
+
+// Real, full and not empty.
+bool is_small(M<double> const& x)
+{
+    return x.getndims() == 2 && static_cast<unsigned>(x.getnnz()) - 1u < most_elements_past_engine && !x.isc() && !x.issparse();
+}
+
+// Storage for the result of small operands: a temporary's that nobody else holds, or new.
+M<double> room_for(M<double> const& x, M<double> const& y, Temporaries temporaries)
+{
+    for (auto const& [operand, ends] : {std::pair(&x, temporaries & temporary_x), std::pair(&y, temporaries & temporary_y)})
+        if (ends && !operand->dirty()) {
+            M<double> made = std::move(const_cast<M<double>&>(*operand));
+            made.setname(nullptr);
+            made.setstr(0);
+            made.setlogical(0);
+            return made;
+        }
+    return Access<double>::small(x.rows(), x.cols());
+}
+
+// What the engine gives for small operands of one shape.
+template <OpCode op> M<double> of_small(M<double> const& x, M<double> const& y, Temporaries temporaries)
+{
+    // A temporary keeps its place when its storage moves.
+    double const *const from_x = x.addr(), *const from_y = y.addr();
+    int const count = x.getnnz();
+    M<double> made = room_for(x, y, temporaries);
+    if (has_storage(made))
+        for (int k = 0; k < count; ++k)
+            made.addr()[k] = of_numbers<op>(from_x[k], from_y[k]);
+    return made;
+}
+
 M<double> through_engine(OpCode op, M<double>&& x, M<double>&& y)
 {
     M<double> result = Access<double>::without_storage();
@@ -39,6 +75,19 @@ M<double> apply(OpCode op, M<double> const& x, Temporaries temporaries)
 
 M<double> apply(OpCode op, M<double> const& x, M<double> const& y, Temporaries temporaries)
 {
+    if (is_small(x) && is_small(y) && x.rows() == y.rows() && x.cols() == y.cols())
+        switch (op) {
+        case op_plus:
+            return of_small<op_plus>(x, y, temporaries);
+        case op_minus:
+            return of_small<op_minus>(x, y, temporaries);
+        case op_times:
+            return of_small<op_times>(x, y, temporaries);
+        case op_rdivide:
+            return of_small<op_rdivide>(x, y, temporaries);
+        default:
+            break;
+        }
     return through_engine(op, taken(x, temporaries & temporary_x), taken(y, temporaries & temporary_y));
 }
 

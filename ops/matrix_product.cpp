@@ -53,6 +53,36 @@ void multiply_few(Sizes s, double sign, double const* x, double const* y, bool o
         }
 }
 
+// The same for results of so few rows that a column stays in registers.
+template <std::size_t rows> void multiply_few_rows(Sizes s, double const* x, double const* y, double* __restrict__ z)
+{
+    for (int j = 0; j < s.n; ++j, z += rows, y += s.k) {
+        double sum[rows];
+        for (std::size_t i = 0; i < rows; ++i)
+            sum[i] = x[i] * y[0];
+        double const* from = x + rows;
+        for (int p = 1; p < s.k; ++p, from += rows)
+            for (std::size_t i = 0; i < rows; ++i)
+                sum[i] += from[i] * y[p];
+        for (std::size_t i = 0; i < rows; ++i)
+            z[i] = sum[i];
+    }
+}
+
+void multiply_small(Sizes s, double const* x, double const* y, double* z)
+{
+    switch (s.m) {
+    case 2:
+        return multiply_few_rows<2>(s, x, y, z);
+    case 3:
+        return multiply_few_rows<3>(s, x, y, z);
+    case 4:
+        return multiply_few_rows<4>(s, x, y, z);
+    default:
+        return multiply_few(s, 1, x, y, false, z);
+    }
+}
+
 void multiply_by_vector(Sizes s, double sign, double const* x, double const* y, double* z)
 {
     parallel_for(s.m, piece(least_elements, s.k, vector_unit), [=](std::ptrdiff_t from, std::ptrdiff_t to) {
@@ -110,6 +140,12 @@ M<double> full_product(M<double> const& x, M<double> const& y)
     return made;
 }
 
+// Full and real, of two dimensions.
+bool is_real_matrix(M<double> const& x)
+{
+    return x.getndims() == 2 && !x.isc() && !x.issparse();
+}
+
 // False after a report.
 bool can_be_multiplied(M<double> const& x, M<double> const& y)
 {
@@ -128,6 +164,17 @@ bool can_be_multiplied(M<double> const& x, M<double> const& y)
 
 M<double> matrix_product(M<double> const& x, M<double> const& y)
 {
+    if (is_real_matrix(x) && is_real_matrix(y) && x.cols() == y.rows()) {
+        Sizes const sizes{x.rows(), y.cols(), x.cols()};
+        std::int64_t const result = std::int64_t{sizes.m} * sizes.n;
+        if (result > 0 && result * sizes.k <= few_multiplications) {
+            M<double> made = Access<double>::small(sizes.m, sizes.n);
+            if (!has_storage(made))
+                return x_M;
+            multiply_small(sizes, x.addr(), y.addr(), made.addr());
+            return made;
+        }
+    }
     if (!can_be_multiplied(x, y))
         return x_M;
     M<double> made = x.issparse() && y.issparse() ? sparse_times_sparse(x, y)

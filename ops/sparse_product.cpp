@@ -17,6 +17,9 @@ namespace {
 // Fewer multiplications are not worth another thread.
 constexpr std::int64_t least_multiplications = std::int64_t{1} << 16;
 
+// A product with one vector is made in halves when there is this much of it, and so much more than sums to add.
+constexpr int least_entries_of_halves = 1 << 17, entries_per_row = 8;
+
 // Columns that make enough work, when all of `columns` come to `multiplications`.
 std::ptrdiff_t columns_for_thread(std::int64_t multiplications, int columns)
 {
@@ -100,6 +103,25 @@ M<double> full_of_zeros(bool complex, Dims const& shape)
 
 } // namespace
 
+// z += sign * x y for one column, in two halves of x that two threads may take at the same time. They are the
+// same halves on one thread, so the bits are. `other` is as long as z.
+void add_halves_times(SparsePart const& x, int count, double sign, double const* y, double* z, double* other)
+{
+    // The second half begins with a column.
+    int const middle = x.at[count / 2] / x.rows * x.rows, half = first_entry_from(x.at, count, middle);
+    SparsePart const second{x.at + half, x.values + half, x.rows};
+    std::fill_n(other, x.rows, 0.0);
+    parallel_for(2, 1, [&](std::ptrdiff_t from, std::ptrdiff_t to) {
+        for (; from < to; ++from)
+            if (from == 0)
+                add_sparse_times<1>(x, half, sign, y, 0, z);
+            else
+                add_sparse_times<1>(second, count - half, sign, y, 0, other);
+    });
+    for (int i = 0; i < x.rows; ++i)
+        z[i] += other[i];
+}
+
 M<double> sparse_times_full(M<double> const& x, M<double> const& y)
 {
     int const rows = x.rows(), inner = x.cols(), columns = y.cols();
@@ -107,9 +129,15 @@ M<double> sparse_times_full(M<double> const& x, M<double> const& y)
     if (made.size() == 0)
         return made;
     SparseEntries const entries(x);
+    bool const halved = columns == 1 && entries.count >= least_entries_of_halves && entries.count / entries_per_row >= rows;
+    HeapArray<double> const other(halved ? static_cast<std::size_t>(rows) : 0);
+    if (!other)
+        return Access<double>::without_storage();
     add_products_of_parts(x, y, made, [&](double* z, double const* of_x, double const* of_y, double sign, bool) {
         constexpr int width = 4;
         SparsePart const part{entries.at, of_x, rows};
+        if (halved)
+            return add_halves_times(part, entries.count, sign, of_y, z, other.data());
         auto const work = [&](std::ptrdiff_t j, std::ptrdiff_t to) {
             for (; j + width <= to; j += width)
                 add_sparse_times<width>(part, entries.count, sign, of_y + j * inner, inner, z + j * rows);
