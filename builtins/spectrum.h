@@ -1,0 +1,49 @@
+// Eigenvalues and singular values for built-ins that need them on the way. NaN and infinities never
+// reach a driver, and what does not converge is reported.
+#ifndef ARRLIB_BUILTINS_SPECTRUM_H
+#define ARRLIB_BUILTINS_SPECTRUM_H
+
+#include "builtins/zpack.h"
+
+namespace arrlib {
+
+// Whether a driver came to its end. False after what lapack::succeeded reports, or "%s: algorithm did
+// not converge".
+bool converged(Arguments const& args, int info);
+
+// Square, finite, in full form and not empty: the operand of an eigenvalue driver. False after the
+// report of one of them.
+bool square_and_finite(Arguments const& args, M<double> const& A);
+
+// Whether the two-dimensional full square value equals its conjugate transpose, element by element.
+bool is_hermitian(M<double> const& A);
+
+// The eigenvalues of a square matrix as a column; of a Hermitian value they are real and ascending. The
+// value may be sparse or empty. False after a report: "%s: matrix contains NaN or Inf", "%s: algorithm
+// did not converge".
+bool eigenvalues(Arguments const& args, M<double> const& A, Packed<Complex>& values);
+template <Scalar T> bool eigenvalues(Arguments const& args, Packed<T> matrix, Packed<Complex>& values);
+
+// Whether any number has an imaginary part.
+bool any_imaginary(Packed<Complex> const& values);
+// The numbers as a value, real when none has an imaginary part.
+M<double> realified(Packed<Complex>& values);
+
+// The singular value decomposition of a finite matrix in the driver's own terms: min(m, n) values in
+// falling order; with `vectors` the first `u_columns` columns of U and `v_rows` rows of V'.
+template <Scalar T> struct SingularValues {
+    Packed<double> s;
+    Packed<T> u, vt;
+    int count = 0;
+
+    // Number of values above max(m, n) eps s(1), the rank.
+    int rank(double tolerance) const;
+    double default_tolerance(int rows, int cols) const;
+};
+enum class SingularVectors { none, economy, all };
+// False after "%s: algorithm did not converge" or "Out of memory!". The matrix is overwritten.
+template <Scalar T> bool decompose(Arguments const& args, Packed<T>& matrix, SingularVectors which, SingularValues<T>& made);
+
+} // namespace arrlib
+
+#endif

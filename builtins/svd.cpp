@@ -1,0 +1,258 @@
+#include "builtins/svd.h"
+
+#include "builtins/results.h"
+#include "builtins/spectrum.h"
+#include "core/reshape.h"
+
+#include <cmath>
+#include <limits>
+
+using namespace arrlib;
+
+namespace {
+
+bool flat_and_finite(Arguments const& args, M<double> const& A)
+{
+    return args.two_dimensional(A) && args.finite(A);
+}
+
+// A matrix of zeros but for values on its main diagonal.
+M<double> diagonal(int rows, int cols, double const* values)
+{
+    M<double> made = full_result(Dims(rows, cols));
+    if (has_storage(made)) {
+        std::fill_n(made.addr(), made.size(), 0.0);
+        for (std::ptrdiff_t k = 0; k < std::min(rows, cols); ++k)
+            made.addr()[k * rows + k] = values[k];
+    }
+    return made;
+}
+
+M<double> singular_values(M<double> const& A)
+{
+    Arguments const args("svd");
+    if (!flat_and_finite(args, A))
+        return x_M;
+    return with_scalar(A.isc(), [&](auto kind) {
+        using T = decltype(kind);
+        SingularValues<T> made;
+        Packed<T> matrix(A);
+        return decompose(args, matrix, SingularVectors::none, made) ? made.s.value() : x_M;
+    });
+}
+
+// U, S and V.
+Results<3> factors(M<double> const& A, bool economy)
+{
+    Arguments const args("svd");
+    if (!flat_and_finite(args, A))
+        return nothing<3>();
+    if (!given(A))
+        return {};
+    return with_scalar(A.isc(), [&](auto kind) {
+        using T = decltype(kind);
+        SingularValues<T> made;
+        Packed<T> matrix(A);
+        bool const thin = economy && A.rows() > A.cols();
+        if (!decompose(args, matrix, thin ? SingularVectors::economy : SingularVectors::all, made))
+            return nothing<3>();
+        Results<3> results{made.u.value(), diagonal(thin ? A.cols() : A.rows(), A.cols(), made.s.data()), ctranspose(made.vt.value())};
+        return all_have_storage(results) && results[2].size() > 0 ? results : nothing<3>();
+    });
+}
+
+bool is_economy(M<double> const& economy)
+{
+    return given(economy) && economy[1] == 0;
+}
+
+// --- two matrices --------------------------------------------------------------------------------
+
+// What the driver gives: A = U D1 [0 R] Q', B = V D2 [0 R] Q', with the values of D1 falling.
+template <Scalar T> struct PairFactors {
+    Packed<T> a, b, u, v, q;
+    HeapArray<double> cosines, sines;
+    int k = 0, l = 0;
+
+    int rank() const { return k + l; }
+};
+
+template <Scalar T> bool factor_pair(Arguments const& args, M<double> const& A, M<double> const& B, bool vectors, PairFactors<T>& made)
+{
+    int const m = A.rows(), p = B.rows(), n = A.cols();
+    made = {Packed<T>(A), Packed<T>(B), Packed<T>(vectors ? m : 0, vectors ? m : 0), Packed<T>(vectors ? p : 0, vectors ? p : 0),
+            Packed<T>(vectors ? n : 0, vectors ? n : 0), HeapArray<double>(static_cast<std::size_t>(n)), HeapArray<double>(static_cast<std::size_t>(n))};
+    HeapArray<int> order(static_cast<std::size_t>(n));
+    if (!made.a || !made.b || !made.u || !made.v || !made.q || !made.cosines || !made.sines || !order)
+        return false;
+    return converged(args, lapack::ggsvd3(vectors ? 'U' : 'N', vectors ? 'V' : 'N', vectors ? 'Q' : 'N', m, n, p, made.k, made.l, made.a.data(), made.a.stride(),
+                                          made.b.data(), made.b.stride(), made.cosines.data(), made.sines.data(), made.u.data(), made.u.stride(),
+                                          made.v.data(), made.v.stride(), made.q.data(), made.q.stride(), order.data()));
+}
+
+// Reverses the first columns.
+template <Scalar T> void reverse_columns(Packed<T>& x, int count)
+{
+    for (int j = 0; 2 * j < count - 1; ++j)
+        std::swap_ranges(x.column(j), x.column(j) + x.rows(), x.column(count - 1 - j));
+}
+
+// X = Q [0 R]' with its columns in the reverse order. R lies in the last columns of A, and its rows from
+// m on in B.
+template <Scalar T> Packed<T> common_factor(PairFactors<T> const& made)
+{
+    int const m = made.a.rows(), n = made.a.cols(), rank = made.rank();
+    auto const r = [&](int i, int j) { return i < m ? made.a(i, n - rank + j) : made.b(i - made.k, n - rank + j); };
+    Packed<T> x(n, rank);
+    if (!x)
+        return x;
+    std::fill_n(x.data(), x.size(), T());
+    for (int i = 0; i < rank; ++i)
+        for (int j = i; j < rank; ++j) {
+            T const factor = conjugate(r(i, j));
+            T const* const from = made.q.column(n - rank + j);
+            T* const to = x.column(rank - 1 - i);
+            for (int row = 0; row < n; ++row)
+                to[row] += from[row] * factor;
+        }
+    return x;
+}
+
+// The cosines or sines, rising or falling, on the diagonal that begins at column `shift`.
+M<double> shifted_diagonal(int rows, int rank, int shift, double const* values)
+{
+    M<double> made = full_result(Dims(rows, rank));
+    if (has_storage(made)) {
+        std::fill_n(made.addr(), made.size(), 0.0);
+        for (std::ptrdiff_t i = 0; i < rows && i + shift < rank; ++i)
+            made.addr()[(i + shift) * rows + i] = values[rank - 1 - i - shift];
+    }
+    return made;
+}
+
+bool agree(Arguments const& args, M<double> const& A, M<double> const& B)
+{
+    return flat_and_finite(args, A) && flat_and_finite(args, B) && (A.cols() == B.cols() || args.sizes_differ(A, B));
+}
+
+// U, V, X, C and S.
+Results<5> pair_factors(M<double> const& A, M<double> const& B)
+{
+    Arguments const args("gsvd");
+    if (!agree(args, A, B))
+        return nothing<5>();
+    if (!given(A))
+        return {};
+    return with_scalar(A.isc() || B.isc(), [&](auto kind) {
+        using T = decltype(kind);
+        PairFactors<T> made;
+        if (!factor_pair(args, A, B, true, made))
+            return nothing<5>();
+        int const m = A.rows(), p = B.rows(), rank = made.rank();
+        Packed<T> x = common_factor(made);
+        if (!x)
+            return nothing<5>();
+        reverse_columns(made.u, std::min(m, rank));
+        reverse_columns(made.v, std::min(p, made.l));
+        // Sines stand in rows of their own only from number k on.
+        for (int j = 0; j < made.k; ++j)
+            made.sines[static_cast<std::size_t>(j)] = 0;
+        Results<5> results{made.u.value(), made.v.value(), x.value(), shifted_diagonal(m, rank, std::max(0, rank - m), made.cosines.data()),
+                           shifted_diagonal(p, rank, 0, made.sines.data())};
+        return all_have_storage(results) ? results : nothing<5>();
+    });
+}
+
+M<double> pair_values(M<double> const& A, M<double> const& B)
+{
+    Arguments const args("gsvd");
+    if (!agree(args, A, B))
+        return x_M;
+    if (!given(A))
+        return M<double>();
+    return with_scalar(A.isc() || B.isc(), [&](auto kind) {
+        PairFactors<decltype(kind)> made;
+        if (!factor_pair(args, A, B, false, made))
+            return x_M;
+        M<double> values = full_result(Dims(made.rank(), 1));
+        if (!has_storage(values))
+            return x_M;
+        for (int j = 0; j < made.rank(); ++j) {
+            std::size_t const at = static_cast<std::size_t>(made.rank() - 1 - j);
+            values.addr()[j] = made.sines[at] == 0 ? std::numeric_limits<double>::infinity() : made.cosines[at] / made.sines[at];
+        }
+        return values;
+    });
+}
+
+} // namespace
+
+M<double> svd(M<double> const& A)
+{
+    return singular_values(A);
+}
+
+M<double> svd(M<double> const& A, i_o_t, Mr<double> s)
+{
+    return hand_out(Results<1>{singular_values(A)}, s);
+}
+
+M<double> svd(M<double> const& A, i_o_t, Mr<double> U, Mr<double> S)
+{
+    return hand_out(factors(A, false), U, S);
+}
+
+M<double> svd(M<double> const& A, i_o_t, Mr<double> U, Mr<double> S, Mr<double> V)
+{
+    return hand_out(factors(A, false), U, S, V);
+}
+
+M<double> svd(M<double> const& A, M<double> const&)
+{
+    return singular_values(A);
+}
+
+M<double> svd(M<double> const& A, M<double> const&, i_o_t, Mr<double> s)
+{
+    return hand_out(Results<1>{singular_values(A)}, s);
+}
+
+M<double> svd(M<double> const& A, M<double> const& economy, i_o_t, Mr<double> U, Mr<double> S)
+{
+    return hand_out(factors(A, is_economy(economy)), U, S);
+}
+
+M<double> svd(M<double> const& A, M<double> const& economy, i_o_t, Mr<double> U, Mr<double> S, Mr<double> V)
+{
+    return hand_out(factors(A, is_economy(economy)), U, S, V);
+}
+
+M<double> gsvd(M<double> const& A, M<double> const& B)
+{
+    return pair_values(A, B);
+}
+
+M<double> gsvd(M<double> const& A, M<double> const& B, i_o_t, Mr<double> s)
+{
+    return hand_out(Results<1>{pair_values(A, B)}, s);
+}
+
+M<double> gsvd(M<double> const& A, M<double> const& B, i_o_t, Mr<double> U, Mr<double> V)
+{
+    return hand_out(pair_factors(A, B), U, V);
+}
+
+M<double> gsvd(M<double> const& A, M<double> const& B, i_o_t, Mr<double> U, Mr<double> V, Mr<double> X)
+{
+    return hand_out(pair_factors(A, B), U, V, X);
+}
+
+M<double> gsvd(M<double> const& A, M<double> const& B, i_o_t, Mr<double> U, Mr<double> V, Mr<double> X, Mr<double> C)
+{
+    return hand_out(pair_factors(A, B), U, V, X, C);
+}
+
+M<double> gsvd(M<double> const& A, M<double> const& B, i_o_t, Mr<double> U, Mr<double> V, Mr<double> X, Mr<double> C, Mr<double> S)
+{
+    return hand_out(pair_factors(A, B), U, V, X, C, S);
+}
