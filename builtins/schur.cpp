@@ -149,6 +149,12 @@ void make_triangular(Packed<Complex>& u, Packed<Complex>& t)
     }
 }
 
+void clear_below_diagonal(Packed<Complex>& t)
+{
+    for (int j = 0; j < t.cols(); ++j)
+        std::fill(t.column(j) + j + 1, t.column(j) + t.rows(), Complex());
+}
+
 Results<2> complex_form(M<double> const& U, M<double> const& T)
 {
     Arguments const args("rsf2csf");
@@ -160,9 +166,7 @@ Results<2> complex_form(M<double> const& U, M<double> const& T)
     if (!u || !t)
         return nothing<2>();
     make_triangular(u, t);
-    // Below the blocks there is nothing.
-    for (int j = 0; j < t.cols(); ++j)
-        std::fill(t.column(j) + j + 1, t.column(j) + t.rows(), Complex());
+    clear_below_diagonal(t);
     Results<2> results{u.value(), t.value()};
     return all_have_storage(results) ? results : nothing<2>();
 }
@@ -278,6 +282,24 @@ template <Scalar T> bool arrlib::schur_form(Arguments const& args, M<double> con
 }
 template bool arrlib::schur_form(Arguments const&, M<double> const&, bool, SchurForm<double>&);
 template bool arrlib::schur_form(Arguments const&, M<double> const&, bool, SchurForm<Complex>&);
+
+bool arrlib::triangular_form(Arguments const& args, M<double> const& A, SchurForm<Complex>& made)
+{
+    if (A.isc()) {
+        if (!schur_form(args, A, true, made))
+            return false;
+    } else {
+        SchurForm<double> real;
+        if (!schur_form(args, A, true, real))
+            return false;
+        made = {Packed<Complex>(real.u.value()), Packed<Complex>(real.t.value()), Packed<Complex>()};
+        if (!made.u || !made.t)
+            return false;
+        make_triangular(made.u, made.t);
+    }
+    clear_below_diagonal(made.t);
+    return true;
+}
 
 M<double> hess(M<double> const& A)
 {

@@ -16,6 +16,10 @@ template <Scalar T> struct SchurForm {
 // of memory!".
 template <Scalar T> bool schur_form(Arguments const& args, M<double> const& A, bool with_factor, SchurForm<T>& made);
 
+// The same with a triangular t, without `values`. The real eigenvalues of a real matrix are real on the
+// diagonal of t.
+bool triangular_form(Arguments const& args, M<double> const& A, SchurForm<Complex>& made);
+
 } // namespace arrlib
 
 #endif
