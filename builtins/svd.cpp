@@ -6,6 +6,7 @@
 
 #include <cmath>
 #include <limits>
+#include <numeric>
 
 using namespace arrlib;
 
@@ -68,37 +69,53 @@ bool is_economy(M<double> const& economy)
 
 // --- two matrices --------------------------------------------------------------------------------
 
-// What the driver gives: A = U D1 [0 R] Q', B = V D2 [0 R] Q', with the values of D1 falling.
+// What the driver gives: A = U D1 [0 R] Q', B = V D2 [0 R] Q'.
 template <Scalar T> struct PairFactors {
     Packed<T> a, b, u, v, q;
     HeapArray<double> cosines, sines;
+    // The driver's numbers of the values, those with the largest cosine last.
+    HeapArray<int> order;
     int k = 0, l = 0;
 
     int rank() const { return k + l; }
+    double cosine(int j) const { return cosines[static_cast<std::size_t>(number(j))]; }
+    // Sines stand in rows of their own only from number k on.
+    double sine(int j) const { return number(j) < k ? 0 : sines[static_cast<std::size_t>(number(j))]; }
+    int number(int j) const { return order[static_cast<std::size_t>(j)]; }
 };
 
 template <Scalar T> bool factor_pair(Arguments const& args, M<double> const& A, M<double> const& B, bool vectors, PairFactors<T>& made)
 {
     int const m = A.rows(), p = B.rows(), n = A.cols();
+    std::size_t const count = static_cast<std::size_t>(n);
     made = {Packed<T>(A), Packed<T>(B), Packed<T>(vectors ? m : 0, vectors ? m : 0), Packed<T>(vectors ? p : 0, vectors ? p : 0),
-            Packed<T>(vectors ? n : 0, vectors ? n : 0), HeapArray<double>(static_cast<std::size_t>(n)), HeapArray<double>(static_cast<std::size_t>(n))};
-    HeapArray<int> order(static_cast<std::size_t>(n));
-    if (!made.a || !made.b || !made.u || !made.v || !made.q || !made.cosines || !made.sines || !order)
+            Packed<T>(vectors ? n : 0, vectors ? n : 0), HeapArray<double>(count), HeapArray<double>(count), HeapArray<int>(count)};
+    if (!made.a || !made.b || !made.u || !made.v || !made.q || !made.cosines || !made.sines || !made.order)
         return false;
-    return converged(args, lapack::ggsvd3(vectors ? 'U' : 'N', vectors ? 'V' : 'N', vectors ? 'Q' : 'N', m, n, p, made.k, made.l, made.a.data(), made.a.stride(),
-                                          made.b.data(), made.b.stride(), made.cosines.data(), made.sines.data(), made.u.data(), made.u.stride(),
-                                          made.v.data(), made.v.stride(), made.q.data(), made.q.stride(), order.data()));
+    if (!converged(args, lapack::ggsvd3(vectors ? 'U' : 'N', vectors ? 'V' : 'N', vectors ? 'Q' : 'N', m, n, p, made.k, made.l, made.a.data(), made.a.stride(),
+                                        made.b.data(), made.b.stride(), made.cosines.data(), made.sines.data(), made.u.data(), made.u.stride(),
+                                        made.v.data(), made.v.stride(), made.q.data(), made.q.stride(), made.order.data())))
+        return false;
+    // The first k cosines are 1, those from m on are 0: only the values between are in no order.
+    int* const order = made.order.data();
+    std::iota(order, order + made.rank(), 0);
+    std::sort(order + std::min(made.k, m), order + std::min(m, made.rank()), [&](int x, int y) {
+        return made.cosines[static_cast<std::size_t>(x)] > made.cosines[static_cast<std::size_t>(y)];
+    });
+    std::reverse(order, order + made.rank());
+    return true;
 }
 
-// Reverses the first columns.
-template <Scalar T> void reverse_columns(Packed<T>& x, int count)
+// Columns in another order: number(j) goes to column j, those from `count` on stay where they are.
+template <Scalar T, class Number> Packed<T> reordered(Packed<T> const& x, int count, Number number)
 {
-    for (int j = 0; 2 * j < count - 1; ++j)
-        std::swap_ranges(x.column(j), x.column(j) + x.rows(), x.column(count - 1 - j));
+    Packed<T> made(x.rows(), x.cols());
+    for (int j = 0; made && j < x.cols(); ++j)
+        std::copy_n(x.column(j < count ? number(j) : j), x.rows(), made.column(j));
+    return made;
 }
 
-// X = Q [0 R]' with its columns in the reverse order. R lies in the last columns of A, and its rows from
-// m on in B.
+// X = Q [0 R]'. R lies in the last columns of A, and its rows from m on in B.
 template <Scalar T> Packed<T> common_factor(PairFactors<T> const& made)
 {
     int const m = made.a.rows(), n = made.a.cols(), rank = made.rank();
@@ -107,25 +124,23 @@ template <Scalar T> Packed<T> common_factor(PairFactors<T> const& made)
     if (!x)
         return x;
     std::fill_n(x.data(), x.size(), T());
-    for (int i = 0; i < rank; ++i)
-        for (int j = i; j < rank; ++j) {
+    for (int to = 0; to < rank; ++to)
+        for (int i = made.number(to), j = i; j < rank; ++j) {
             T const factor = conjugate(r(i, j));
-            T const* const from = made.q.column(n - rank + j);
-            T* const to = x.column(rank - 1 - i);
             for (int row = 0; row < n; ++row)
-                to[row] += from[row] * factor;
+                x(row, to) += made.q(row, n - rank + j) * factor;
         }
     return x;
 }
 
-// The cosines or sines, rising or falling, on the diagonal that begins at column `shift`.
-M<double> shifted_diagonal(int rows, int rank, int shift, double const* values)
+// Numbers on the diagonal that begins at column `shift`: value(j) in column j.
+template <class Value> M<double> shifted_diagonal(int rows, int rank, int shift, Value value)
 {
     M<double> made = full_result(Dims(rows, rank));
     if (has_storage(made)) {
         std::fill_n(made.addr(), made.size(), 0.0);
         for (std::ptrdiff_t i = 0; i < rows && i + shift < rank; ++i)
-            made.addr()[(i + shift) * rows + i] = values[rank - 1 - i - shift];
+            made.addr()[(i + shift) * rows + i] = value(static_cast<int>(i) + shift);
     }
     return made;
 }
@@ -149,16 +164,14 @@ Results<5> pair_factors(M<double> const& A, M<double> const& B)
         if (!factor_pair(args, A, B, true, made))
             return nothing<5>();
         int const m = A.rows(), p = B.rows(), rank = made.rank();
+        int const shift = std::max(0, rank - m);
         Packed<T> x = common_factor(made);
-        if (!x)
+        Packed<T> u = reordered(made.u, std::min(m, rank), [&](int j) { return made.number(j + shift); });
+        Packed<T> v = reordered(made.v, made.l, [&](int j) { return made.number(j) - made.k; });
+        if (!x || !u || !v)
             return nothing<5>();
-        reverse_columns(made.u, std::min(m, rank));
-        reverse_columns(made.v, std::min(p, made.l));
-        // Sines stand in rows of their own only from number k on.
-        for (int j = 0; j < made.k; ++j)
-            made.sines[static_cast<std::size_t>(j)] = 0;
-        Results<5> results{made.u.value(), made.v.value(), x.value(), shifted_diagonal(m, rank, std::max(0, rank - m), made.cosines.data()),
-                           shifted_diagonal(p, rank, 0, made.sines.data())};
+        Results<5> results{u.value(), v.value(), x.value(), shifted_diagonal(m, rank, shift, [&](int j) { return made.cosine(j); }),
+                           shifted_diagonal(p, rank, 0, [&](int j) { return made.sine(j); })};
         return all_have_storage(results) ? results : nothing<5>();
     });
 }
@@ -177,10 +190,8 @@ M<double> pair_values(M<double> const& A, M<double> const& B)
         M<double> values = full_result(Dims(made.rank(), 1));
         if (!has_storage(values))
             return x_M;
-        for (int j = 0; j < made.rank(); ++j) {
-            std::size_t const at = static_cast<std::size_t>(made.rank() - 1 - j);
-            values.addr()[j] = made.sines[at] == 0 ? std::numeric_limits<double>::infinity() : made.cosines[at] / made.sines[at];
-        }
+        for (int j = 0; j < made.rank(); ++j)
+            values.addr()[j] = made.sine(j) == 0 ? std::numeric_limits<double>::infinity() : made.cosine(j) / made.sine(j);
         return values;
     });
 }

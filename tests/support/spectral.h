@@ -17,7 +17,7 @@
 
 namespace linear {
 
-inline constexpr double eps = std::numeric_limits<double>::epsilon();
+inline constexpr double epsilon = std::numeric_limits<double>::epsilon();
 
 // From the function of row and column, counted from 1.
 inline M<double> made(int rows, int cols, std::function<std::complex<double>(int, int)> const& element, bool complex = false)
@@ -116,7 +116,7 @@ inline double distance(M<double> const& got, M<double> const& right, double scal
     for (int d = 1; d <= 4; ++d)
         if (got.size(d) != right.size(d))
             return INFINITY;
-    double const unit = std::max(1, right.length()) * eps * (scale > 0 ? scale : size(right)), error = size(got - right);
+    double const unit = std::max(1, right.length()) * epsilon * (scale > 0 ? scale : size(right)), error = size(got - right);
     return error == 0 ? 0 : error / unit;
 }
 
