@@ -37,8 +37,9 @@ template <Scalar T> struct Residuals {
 template <Scalar T> M<double> columns(Packed<T> const& q, int first, int count)
 {
     Packed<T> made(q.rows(), count);
-    if (made)
-        std::copy_n(q.column(first), made.size(), made.data());
+    if (!made)
+        return x_M;
+    std::copy_n(q.column(first), made.size(), made.data());
     return made.value();
 }
 
@@ -98,8 +99,13 @@ template <Scalar T> Results<2> weighted_solution(Arguments const& args, M<double
         return nothing<2>();
     if (qr.rank < n)
         args.warn_rank(qr.rank, qr.tolerance);
-    if (qr.rank == 0)
-        return {x.value(), full_result(Dims(n, sides))};
+    std::fill_n(x.data(), x.size(), T());
+    if (qr.rank == 0) {
+        Packed<double> none(n, sides);
+        std::fill_n(none.data(), none ? none.size() : 0, 0.0);
+        Results<2> made{x.value(), none.value()};
+        return all_have_storage(made) ? made : nothing<2>();
+    }
     M<double> const range = columns(q, 0, qr.rank);
     M<double> adjusted = b, K = ctranspose(range) * V * range;
     HeapArray<double> variance(static_cast<std::size_t>(sides)), spread;
@@ -111,6 +117,8 @@ template <Scalar T> Results<2> weighted_solution(Arguments const& args, M<double
         if (!prepare(args, q, qr.rank, V, residuals))
             return nothing<2>();
         M<double> const turned = ctranspose(residuals.basis) * b, across = ctranspose(residuals.weighted) * range;
+        if (!given(turned) || !given(across))
+            return nothing<2>();
         Packed<T> weights(turned), mixed(across);
         Packed<T> const plain(turned);
         if (!weights || !mixed || !plain || !residuals.solve(args, weights) || !residuals.solve(args, mixed))
@@ -295,6 +303,8 @@ private:
 Results<2> without_negatives(M<double> const& A, M<double> const& b, M<double> const& tol)
 {
     Arguments const args("nnls");
+    if (!given(A) && !given(b))
+        return {};
     if (!args.real(A) || !args.real(b) || !flat_and_finite(args, A) || !args.vector(b) || !args.finite(b))
         return nothing<2>();
     if (b.size() != A.rows()) {

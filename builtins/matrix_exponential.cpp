@@ -116,9 +116,9 @@ Choice chosen(M<double> const& A, double norm, Powers const& p, int shift, doubl
     return {&last, halvings + further_halvings(A, norm, halvings, last, room)};
 }
 
-// The solution of A X = B for square B: infinities for a singular A, which `args` warns of; empty after a
-// report.
-M<double> solved(Arguments const& args, M<double> const& A, M<double> const& B)
+// The solution of A X = B for square B: infinities for a singular A, which `args` warns of, as of one that
+// is nearly so when it is checked; empty after a report.
+M<double> solved(Arguments const& args, M<double> const& A, M<double> const& B, bool checked)
 {
     if (!given(A) || !given(B))
         return x_M;
@@ -130,12 +130,15 @@ M<double> solved(Arguments const& args, M<double> const& A, M<double> const& B)
         if (!a || !b || !pivots)
             return x_M;
         int const info = lapack::gesv(n, b.cols(), a.data(), n, pivots.data(), b.data(), n);
-        if (!lapack::succeeded(args, info))
+        double rcond = 0;
+        if (!lapack::succeeded(args, info) || (checked && !lapack::succeeded(args, lapack::gecon('1', n, a.data(), n, one_norm(A), rcond))))
             return x_M;
         if (info > 0) {
             args.warn_singular();
             return stored_or_nothing(infinite_matrix(n));
         }
+        if (checked && !(rcond >= std::numeric_limits<double>::epsilon()))
+            args.warn_badly_scaled(rcond);
         return stored_or_nothing(b.value());
     });
 }
@@ -168,7 +171,8 @@ M<double> approximated(Arguments const& args, Approximant const& approximant, Po
         }
     }
     odd = p.a * odd;
-    return solved(args, even - odd, even + odd);
+    // Never nearly singular but for its scale.
+    return solved(args, even - odd, even + odd, false);
 }
 
 M<double> exponential(Arguments const& args, M<double> const& A)
@@ -236,7 +240,7 @@ M<double> by_eigenvectors(Arguments const& args, M<double> const& A)
     if (hermitian)
         return scaled_vectors * ctranspose(found.right);
     // X V = V exp(D), transposed.
-    M<double> made = transpose(solved(args, transpose(found.right), transpose(scaled_vectors)));
+    M<double> made = transpose(solved(args, transpose(found.right), transpose(scaled_vectors), true));
     if (given(made) && made.isc() && !A.isc() && !made.dirty())
         Access<double>::drop_imaginary(made);
     return made;

@@ -21,9 +21,10 @@ ARRLIB_API M<double> expm1(M<double> const& A);
 // make no difference.
 ARRLIB_API M<double> expm2(M<double> const& A);
 
-// Matrix exponential by eigenvalues and eigenvectors, inaccurate for a nearly defective A; one without a
-// full set of vectors gives infinities and the warning "expm3: matrix is singular to working precision".
-// "expm3: algorithm did not converge".
+// Matrix exponential by eigenvalues and eigenvectors, inaccurate for a nearly defective A, with the warning
+// "expm3: matrix is close to singular or badly scaled, rcond = %g"; infinities and "expm3: matrix is
+// singular to working precision" when there is no full set of vectors. "expm3: algorithm did not
+// converge".
 ARRLIB_API M<double> expm3(M<double> const& A);
 
 // --- other functions ------------------------------------------------------------------------------

@@ -205,11 +205,9 @@ bool apply_to_diagonal(Arguments const& args, FunctionArgument const& f, Packed<
     M<double> const inputs = realified(values);
     if (!has_storage(inputs))
         return false;
-    M<double> const outputs = f.call({inputs});
-    if (outputs.issamename(x_Mp))
-        return false;
-    M<double> const full = full_form(outputs);
-    if (!has_storage(full))
+    M<double> const full = full_form(f.call({inputs}));
+    // The call has reported why there is nothing.
+    if (!has_storage(full) || !given(full))
         return false;
     if (full.size() != n)
         return args.report("function must give one value for each eigenvalue");

@@ -39,10 +39,10 @@ M<double> lying_as(M<double> const& like, M<double> row)
     return row;
 }
 
-template <Scalar T> M<double> without_leading_zeros(Coefficients<T> p)
+template <Scalar T> M<double> without_leading_zeros(Coefficients<T> const& p)
 {
-    int const zeros = leading_zeros(p);
-    return zeros == 0 ? p.value() : tail(p, zeros).value();
+    Coefficients<T> rest = tail(p, leading_zeros(p));
+    return rest ? rest.value() : x_M;
 }
 
 M<double> stored_or_nothing(M<double> made)
@@ -292,7 +292,7 @@ M<double> product_derivative(M<double> const& a, M<double> const& b)
         if (!both)
             return x_M;
         Coefficients<T> made = derivative(both);
-        return made ? stored_or_nothing(without_leading_zeros(std::move(made))) : x_M;
+        return made ? stored_or_nothing(without_leading_zeros(made)) : x_M;
     });
 }
 
@@ -320,8 +320,8 @@ Results<2> quotient_derivative(M<double> const& b, M<double> const& a)
             add(second, 1, first);
         } else
             add(first, -1, second);
-        Results<2> made{without_leading_zeros(std::move(longer)), without_leading_zeros(std::move(below))};
-        return all_have_storage(made) ? made : nothing<2>();
+        Results<2> made{without_leading_zeros(longer), without_leading_zeros(below)};
+        return given(made[0]) && given(made[1]) ? made : nothing<2>();
     });
 }
 

@@ -40,8 +40,8 @@ Multiplicities multiplicities(Packed<Complex> const& poles, double tolerance, bo
 {
     int const n = length(poles);
     Multiplicities made{HeapArray<int>(static_cast<std::size_t>(n)), HeapArray<int>(static_cast<std::size_t>(n))};
-    if (!made)
-        return made;
+    if (!made || !poles)
+        return {};
     Complex const* const p = poles.data();
     int *const order = made.position.data(), *const number = made.number.data();
     std::iota(order, order + n, 0);
@@ -185,7 +185,10 @@ M<double> row_without_leading_zeros(M<double> const& p)
 {
     return with_scalar(p.isc(), [&](auto kind) {
         Coefficients<decltype(kind)> const coefficients(p);
-        return coefficients ? tail(coefficients, leading_zeros(coefficients)).value() : x_M;
+        if (!coefficients)
+            return x_M;
+        auto rest = tail(coefficients, leading_zeros(coefficients));
+        return rest ? rest.value() : x_M;
     });
 }
 
