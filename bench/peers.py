@@ -6,6 +6,7 @@ import time
 
 import numpy as np
 import scipy.io
+import scipy.linalg
 import scipy.sparse as sp
 import scipy.special as special
 
@@ -205,6 +206,11 @@ upto50, order = 50 * unit, 10 * unit * unit
 plane = upto50 * np.exp(3j * random.random(100000))
 
 
+of_300 = np.asfortranarray(random.random((300, 300)))
+symmetric_300 = of_300 + of_300.T
+ten_thousand = random.random(10000)
+
+
 # A row by another name than the implementation that its first word stands for: (row, implementation).
 rows = {
     "life, 200x200, 500 generations": lambda: best(lambda: life(np.float64), 3),
@@ -237,6 +243,15 @@ rows = {
     "ellipj, 1e5": lambda: best(lambda: special.ellipj(upto50, unit)),
     "betainc, 1e5": lambda: best(lambda: special.betainc(order + 0.1, upto50 / 3 + 0.1, unit)),
     "betaln, 1e5": lambda: best(lambda: special.betaln(upto50 + 0.1, order + 0.1)),
+    "svd of 300, values": lambda: best(lambda: np.linalg.svd(of_300, compute_uv=False), 20),
+    "svd of 300, factors": lambda: best(lambda: np.linalg.svd(of_300), 20),
+    "eig of 300, values": lambda: best(lambda: np.linalg.eigvals(of_300), 20),
+    "eig of 300, vectors": lambda: best(lambda: np.linalg.eig(of_300), 20),
+    "eig of symmetric 300, values": lambda: best(lambda: np.linalg.eigvalsh(symmetric_300), 20),
+    "eig of symmetric 300, vectors": lambda: best(lambda: np.linalg.eigh(symmetric_300), 20),
+    "expm of 300": lambda: best(lambda: scipy.linalg.expm(of_300), 20),
+    "conv of 1e4 and 1e4": lambda: best(lambda: np.convolve(ten_thousand, ten_thousand), 10),
+    "polyval of degree 10, 1e6": lambda: best(lambda: np.polyval(few[:11], a), 20),
     "sprintf('%d,') of 1e6": lambda: best(lambda: ("%d," * len(integers)) % tuple(integers), 3),
     "fprintf('%g\\n') of 1e6": lambda: best(lambda: ("%g\n" * numbers.size) % tuple(numbers), 3),
     "fscanf('%g') of 1e6": scan_numbers,

@@ -37,11 +37,13 @@ Results<2> handed(Eigenpairs const& made, bool vectors)
 Results<2> eigen(M<double> const& A, char balance, bool vectors)
 {
     Arguments const args("eig");
-    M<double> const full = full_form(A);
-    if (!has_storage(full) || !square_and_finite(args, full))
+    if (!square_and_finite(args, A))
         return nothing<2>();
     if (!given(A))
         return {};
+    M<double> const full = full_form(A);
+    if (!has_storage(full))
+        return nothing<2>();
     Eigenpairs made;
     return pairs_of(args, full, balance, vectors, made) ? handed(made, vectors) : nothing<2>();
 }
@@ -49,15 +51,13 @@ Results<2> eigen(M<double> const& A, char balance, bool vectors)
 Results<2> generalised(M<double> const& A, M<double> const& B, bool vectors)
 {
     Arguments const args("eig");
-    M<double> const a = full_form(A), b = full_form(B);
-    if (!has_storage(a) || !has_storage(b) || !square_and_finite(args, a) || !square_and_finite(args, b))
+    if (!square_and_finite(args, A) || !square_and_finite(args, B) || !(A.rows() == B.rows() || args.sizes_differ(A, B)))
         return nothing<2>();
-    if (a.rows() != b.rows()) {
-        args.sizes_differ(A, B);
-        return nothing<2>();
-    }
     if (!given(A))
         return {};
+    M<double> const a = full_form(A), b = full_form(B);
+    if (!has_storage(a) || !has_storage(b))
+        return nothing<2>();
     Eigenpairs made;
     return pairs_of(args, a, b, vectors, made) ? handed(made, vectors) : nothing<2>();
 }
@@ -102,11 +102,13 @@ M<double> ones(int n)
 Results<3> conditions(M<double> const& A)
 {
     Arguments const args("condeig");
-    M<double> const full = full_form(A);
-    if (!has_storage(full) || !square_and_finite(args, full))
+    if (!square_and_finite(args, A))
         return nothing<3>();
     if (!given(A))
         return {};
+    M<double> const full = full_form(A);
+    if (!has_storage(full))
+        return nothing<3>();
     Eigenpairs made;
     bool const hermitian = is_hermitian(full);
     if (!(hermitian ? hermitian_pairs(args, full, true, made) : general_pairs(args, full, 'B', Eigenvectors::both, made)))

@@ -4,6 +4,7 @@
 #include "builtins/results.h"
 #include "builtins/spectrum.h"
 #include "ops/operators.h"
+#include "runtime/workers.h"
 
 #include <cmath>
 
@@ -132,16 +133,18 @@ template <Scalar T> M<double> nonzero_and_zero_roots(Arguments const& args, Coef
 // Elements are taken in blocks, coefficient by coefficient.
 template <Scalar T> void evaluate(Coefficients<T> const& p, T const* x, T* y, std::ptrdiff_t count)
 {
-    constexpr std::ptrdiff_t block = 512;
-    for (std::ptrdiff_t from = 0; from < count; from += block) {
-        std::ptrdiff_t const n = std::min(block, count - from);
-        std::fill_n(y + from, n, p.size() > 0 ? p.data()[0] : T());
-        for (int c = 1; c < length(p); ++c) {
-            T const coefficient = p.data()[c];
-            for (std::ptrdiff_t k = from; k < from + n; ++k)
-                y[k] = y[k] * x[k] + coefficient;
+    constexpr std::ptrdiff_t block = 512, least = 1 << 16;
+    parallel_for(count, least, [&](std::ptrdiff_t begin, std::ptrdiff_t end) {
+        for (std::ptrdiff_t from = begin; from < end; from += block) {
+            std::ptrdiff_t const to = std::min(end, from + block);
+            std::fill(y + from, y + to, p.size() > 0 ? p.data()[0] : T());
+            for (int c = 1; c < length(p); ++c) {
+                T const coefficient = p.data()[c];
+                for (std::ptrdiff_t k = from; k < to; ++k)
+                    y[k] = y[k] * x[k] + coefficient;
+            }
         }
-    }
+    });
 }
 
 // The elements of a value of any shape.

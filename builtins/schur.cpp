@@ -50,11 +50,13 @@ template <Scalar T> void clear_outside(Packed<T>& h, bool tridiagonal)
 Results<2> hessenberg(M<double> const& A, bool with_factor)
 {
     Arguments const args("hess");
-    M<double> const full = full_form(A);
-    if (!has_storage(full) || !square_and_finite(args, full))
+    if (!square_and_finite(args, A))
         return nothing<2>();
     if (!given(A))
         return {};
+    M<double> const full = full_form(A);
+    if (!has_storage(full))
+        return nothing<2>();
     return with_scalar(A.isc(), [&](auto kind) {
         using T = decltype(kind);
         int const n = A.rows();

@@ -84,13 +84,15 @@ template bool eigenvalues(Arguments const&, Packed<Complex>, Packed<Complex>&);
 
 bool eigenvalues(Arguments const& args, M<double> const& A, Packed<Complex>& values)
 {
-    M<double> const full = full_form(A);
-    if (!has_storage(full) || !square_and_finite(args, full))
+    if (!square_and_finite(args, A))
         return false;
     if (!given(A)) {
         values = Packed<Complex>(0, 1);
         return static_cast<bool>(values);
     }
+    M<double> const full = full_form(A);
+    if (!has_storage(full))
+        return false;
     return with_scalar(A.isc(), [&](auto kind) {
         using T = decltype(kind);
         if (!is_hermitian(full))

@@ -11,8 +11,7 @@ namespace arrlib {
 // not converge".
 bool converged(Arguments const& args, int info);
 
-// Square, finite, in full form and not empty: the operand of an eigenvalue driver. False after the
-// report of one of them.
+// Square and finite: the operand of an eigenvalue driver. False after a report.
 bool square_and_finite(Arguments const& args, M<double> const& A);
 
 // Whether the two-dimensional full square value equals its conjugate transpose, element by element.
@@ -30,15 +29,16 @@ bool any_imaginary(Packed<Complex> const& values);
 M<double> realified(Packed<Complex>& values);
 
 // The singular value decomposition of a finite matrix in the driver's own terms: min(m, n) values in
-// falling order; with `vectors` the first `u_columns` columns of U and `v_rows` rows of V'.
+// falling order, and as many columns of U and rows of V' as were asked for.
 template <Scalar T> struct SingularValues {
     Packed<double> s;
     Packed<T> u, vt;
     int count = 0;
 
-    // Number of values above max(m, n) eps s(1), the rank.
-    int rank(double tolerance) const;
+    // max(m, n) eps s(1).
     double default_tolerance(int rows, int cols) const;
+    // Number of values above a tolerance.
+    int rank(double tolerance) const;
 };
 enum class SingularVectors { none, economy, all };
 // False after "%s: algorithm did not converge" or "Out of memory!". The matrix is overwritten.
