@@ -370,9 +370,9 @@ M<double> polyval(M<double> const& p, M<double> const& x)
     return values_and_errors(p, x, nop_M, false)[0];
 }
 
-M<double> polyval(M<double> const& p, M<double> const& x, M<double> const& S)
+M<double> polyval(M<double> const& p, M<double> const& x, M<double> const&)
 {
-    return values_and_errors(p, x, S, given(S))[0];
+    return polyval(p, x); // the third argument tells of errors only
 }
 
 M<double> polyval(M<double> const& p, M<double> const& x, i_o_t, Mr<double> y)
@@ -380,9 +380,9 @@ M<double> polyval(M<double> const& p, M<double> const& x, i_o_t, Mr<double> y)
     return hand_out(values_and_errors(p, x, nop_M, false), y);
 }
 
-M<double> polyval(M<double> const& p, M<double> const& x, M<double> const& S, i_o_t, Mr<double> y)
+M<double> polyval(M<double> const& p, M<double> const& x, M<double> const&, i_o_t, Mr<double> y)
 {
-    return hand_out(values_and_errors(p, x, S, given(S)), y);
+    return hand_out(values_and_errors(p, x, nop_M, false), y);
 }
 
 M<double> polyval(M<double> const& p, M<double> const& x, M<double> const& S, i_o_t, Mr<double> y, Mr<double> delta)

@@ -65,6 +65,10 @@ template <Scalar T> void add_product(T const* a, int na, T const* b, int nb, T* 
 // The product; of as many coefficients as both have, but one.
 template <Scalar T> Coefficients<T> product(Coefficients<T> const& a, Coefficients<T> const& b)
 {
+    if (length(a) > most_elements - length(b)) {
+        error(messages::out_of_memory);
+        return {};
+    }
     Coefficients<T> made(1, length(a) + length(b) - 1);
     if (!made)
         return made;

@@ -104,7 +104,11 @@ TEST(Polyval, FollowsTheDefinition)
                 {shown(polyvalm(M<double>(), identity(2))), "2x2: 0 0 0 0"},
                 {shown(polyvalm(row({1, 2}), M<double>())), "0x0:"},
                 {reported_by([] { polyval(identity(2), 1.0); }), "polyval: argument must be a vector"},
-                {reported_by([] { polyval(row({1, 2}), 1.0, identity(2)); }), "polyval: sizes of (temporary) and (temporary) do not agree"},
+                {reported_by([] {
+                     M<double> y, delta;
+                     polyval(row({1, 2}), 1.0, identity(2), i_o, y, delta);
+                 }),
+                 "polyval: sizes of (temporary) and (temporary) do not agree"},
                 {reported_by([] { polyvalm(row({1}), row({1, 2})); }), "polyvalm: matrix must be square"}});
 }
 
