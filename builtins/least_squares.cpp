@@ -2,6 +2,7 @@
 
 #include "builtins/pivoted_qr.h"
 #include "builtins/results.h"
+#include "builtins/spectrum.h"
 #include "builtins/square_values.h"
 #include "core/reshape.h"
 #include "ops/operators.h"
@@ -12,11 +13,6 @@
 using namespace arrlib;
 
 namespace {
-
-bool flat_and_finite(Arguments const& args, M<double> const& A)
-{
-    return args.two_dimensional(A) && args.finite(A);
-}
 
 // --- with a covariance ---------------------------------------------------------------------------
 

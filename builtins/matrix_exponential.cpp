@@ -1,5 +1,6 @@
 #include "builtins/eigenpairs.h"
 #include "builtins/matrix_functions.h"
+#include "builtins/results.h"
 #include "builtins/square_values.h"
 #include "core/reshape.h"
 #include "ops/elementwise.h"
@@ -31,11 +32,6 @@ constexpr Approximant approximants[] = {
      {64764752532480000, 32382376266240000, 7771770303897600, 1187353796428800, 129060195264000, 10559470521600, 670442572800, 33522128640, 1323241920,
       40840800, 960960, 16380, 182, 1}},
 };
-
-M<double> stored_or_nothing(M<double> made)
-{
-    return has_storage(made) ? made : x_M;
-}
 
 double modulus(M<double> const& x, std::ptrdiff_t k)
 {

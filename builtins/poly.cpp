@@ -18,20 +18,6 @@ bool is_vector(M<double> const& x)
     return x.getndims() == 2 && (x.rows() == 1 || x.cols() == 1);
 }
 
-// Empty ones stand for no coefficients.
-bool is_list(Arguments const& args, M<double> const& p)
-{
-    return !given(p) || args.vector(p);
-}
-
-bool all_finite(M<double> const& x)
-{
-    auto const finite = [n = x.getnnz()](double const* part) {
-        return !part || std::all_of(part, part + n, [](double v) { return std::isfinite(v); });
-    };
-    return finite(x.addr()) && finite(x.addi());
-}
-
 // A row turned into a column when `like` is one.
 M<double> lying_as(M<double> const& like, M<double> row)
 {
@@ -44,11 +30,6 @@ template <Scalar T> M<double> without_leading_zeros(Coefficients<T> const& p)
 {
     Coefficients<T> rest = tail(p, leading_zeros(p));
     return rest ? rest.value() : x_M;
-}
-
-M<double> stored_or_nothing(M<double> made)
-{
-    return has_storage(made) ? made : x_M;
 }
 
 // --- roots ---------------------------------------------------------------------------------------
@@ -330,6 +311,19 @@ Results<2> quotient_derivative(M<double> const& b, M<double> const& a)
 
 } // namespace
 
+bool arrlib::polynomial::is_list(Arguments const& args, M<double> const& p)
+{
+    return !given(p) || args.vector(p);
+}
+
+bool arrlib::polynomial::is_finite_list(Arguments const& args, M<double> const& p)
+{
+    auto const finite = [n = p.getnnz()](double const* part) {
+        return !part || std::all_of(part, part + n, [](double v) { return std::isfinite(v); });
+    };
+    return is_list(args, p) && ((finite(p.addr()) && finite(p.addi())) || args.report("coefficients must be finite"));
+}
+
 M<double> arrlib::polynomial::roots_of(Arguments const& args, M<double> const& p)
 {
     return with_scalar(p.isc(), [&](auto kind) { return nonzero_and_zero_roots(args, Coefficients<decltype(kind)>(p)); });
@@ -360,9 +354,7 @@ M<double> poly(M<double> const& A)
 M<double> roots(M<double> const& p)
 {
     Arguments const args("roots");
-    if (!is_list(args, p) || !(all_finite(p) || args.report("coefficients must be finite")))
-        return x_M;
-    return roots_of(args, p);
+    return is_finite_list(args, p) ? roots_of(args, p) : x_M;
 }
 
 M<double> polyval(M<double> const& p, M<double> const& x)

@@ -120,6 +120,11 @@ inline bool come_in_pairs(Complex* roots, int count)
     return below - above == roots + count - below && std::equal(above, below, below, [](Complex x, Complex y) { return x == std::conj(y); });
 }
 
+// A vector, or an empty value for no coefficients: "%s: argument must be a vector".
+bool is_list(Arguments const& args, M<double> const& p);
+// The same of finite numbers: "%s: coefficients must be finite".
+bool is_finite_list(Arguments const& args, M<double> const& p);
+
 // The roots of a list of finite numbers, as the built-in roots gives them; reports in the name of `args`.
 M<double> roots_of(Arguments const& args, M<double> const& p);
 

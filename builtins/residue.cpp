@@ -16,17 +16,6 @@ namespace {
 
 constexpr double joined_within = 0.001;
 
-bool is_list(Arguments const& args, M<double> const& p)
-{
-    return !given(p) || args.vector(p);
-}
-
-bool finite_list(Arguments const& args, M<double> const& p)
-{
-    auto const finite = [n = p.getnnz()](double const* part) { return !part || std::all_of(part, part + n, [](double v) { return std::isfinite(v); }); };
-    return is_list(args, p) && ((finite(p.addr()) && finite(p.addi())) || args.report("coefficients must be finite"));
-}
-
 // --- groups of equal poles -----------------------------------------------------------------------
 
 struct Multiplicities {
@@ -195,15 +184,16 @@ M<double> row_without_leading_zeros(M<double> const& p)
 Results<3> partial_fractions(M<double> const& b, M<double> const& a)
 {
     Arguments const args("residue");
-    if (!finite_list(args, b) || !finite_list(args, a))
+    if (!is_finite_list(args, b) || !is_finite_list(args, a))
         return nothing<3>();
-    if (!given(a) || (a[1] == 0 && (!a.isc() || a.issparse() || a.addi()[0] == 0))) {
-        args.report("leading denominator coefficient must be non-zero");
+    M<double> const below = given(a) ? row_without_leading_zeros(a) : zero_M;
+    if (below.size() != a.size() || (below.size() == 1 && below[1] == 0 && !(below.isc() && below.addi()[0] != 0))) {
+        if (given(below))
+            args.report("leading denominator coefficient must be non-zero");
         return nothing<3>();
     }
-    M<double> const below = row_without_leading_zeros(a);
     M<double> const above = given(b) ? row_without_leading_zeros(b) : zero_M;
-    if (below.size() != a.size() || !given(above))
+    if (!given(above))
         return nothing<3>();
     M<double> quotient, rest;
     deconv(above, below, i_o, quotient, rest);
@@ -291,7 +281,7 @@ bool add_up(Packed<Complex> const& residues, Packed<Complex> const& poles, Coeff
 Results<2> joined_fractions(M<double> const& r, M<double> const& p, M<double> const& k)
 {
     Arguments const args("residue");
-    if (!finite_list(args, r) || !finite_list(args, p) || !finite_list(args, k))
+    if (!is_finite_list(args, r) || !is_finite_list(args, p) || !is_finite_list(args, k))
         return nothing<2>();
     if (r.size() != p.size()) {
         args.sizes_differ(r, p);
@@ -364,7 +354,7 @@ M<double> resi2(M<double> const& b, M<double> const& a, M<double> const& pole, M
 M<double> resi2(M<double> const& b, M<double> const& a, M<double> const& pole, M<double> const& n, M<double> const& k)
 {
     Arguments const args("resi2");
-    if (!finite_list(args, b) || !finite_list(args, a) || !args.scalar(pole) || (given(n) && !args.scalar(n)) || (given(k) && !args.scalar(k)))
+    if (!is_finite_list(args, b) || !is_finite_list(args, a) || !args.scalar(pole) || (given(n) && !args.scalar(n)) || (given(k) && !args.scalar(k)))
         return x_M;
     double const multiplicity = number_or(n, 1), term = number_or(k, multiplicity);
     if (!(multiplicity >= 1 && multiplicity == std::trunc(multiplicity) && multiplicity < a.size())) {

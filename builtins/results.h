@@ -33,6 +33,12 @@ template <std::size_t count> bool all_have_storage(Results<count> const& results
     return true;
 }
 
+// A result, or what there is after a report when its storage could not be had.
+inline M<double> stored_or_nothing(M<double> made)
+{
+    return has_storage(made) ? made : x_M;
+}
+
 // Stores the first results in the outputs; returns the first one.
 template <std::size_t count, class... Outputs> M<double> hand_out(Results<count> const& results, Outputs... outputs)
 {

@@ -54,6 +54,11 @@ bool converged(Arguments const& args, int info)
     return lapack::succeeded(args, info) && (info <= 0 || args.report("algorithm did not converge"));
 }
 
+bool flat_and_finite(Arguments const& args, M<double> const& A)
+{
+    return args.two_dimensional(A) && args.finite(A);
+}
+
 bool square_and_finite(Arguments const& args, M<double> const& A)
 {
     return args.square(A) && args.finite(A);

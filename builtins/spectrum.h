@@ -11,7 +11,8 @@ namespace arrlib {
 // not converge".
 bool converged(Arguments const& args, int info);
 
-// Square and finite: the operand of an eigenvalue driver. False after a report.
+// Two-dimensional and finite, square and finite: the operands of drivers. False after a report.
+bool flat_and_finite(Arguments const& args, M<double> const& A);
 bool square_and_finite(Arguments const& args, M<double> const& A);
 
 // Whether the two-dimensional full square value equals its conjugate transpose, element by element.

@@ -12,16 +12,6 @@ using namespace arrlib;
 
 namespace {
 
-bool flat_and_finite(Arguments const& args, M<double> const& A)
-{
-    return args.two_dimensional(A) && args.finite(A);
-}
-
-M<double> stored_or_nothing(M<double> made)
-{
-    return has_storage(made) ? made : x_M;
-}
-
 // Some of the columns, from number `first` on.
 template <Scalar T> M<double> columns(Packed<T> const& x, int first, int count)
 {

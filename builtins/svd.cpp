@@ -12,11 +12,6 @@ using namespace arrlib;
 
 namespace {
 
-bool flat_and_finite(Arguments const& args, M<double> const& A)
-{
-    return args.two_dimensional(A) && args.finite(A);
-}
-
 // A matrix of zeros but for values on its main diagonal.
 M<double> diagonal(int rows, int cols, double const* values)
 {
