@@ -3,6 +3,7 @@
 #include "builtins/results.h"
 #include "builtins/square_values.h"
 #include "core/reshape.h"
+#include "ops/blas.h"
 #include "ops/elementwise.h"
 #include "ops/operators.h"
 
@@ -33,38 +34,42 @@ constexpr Approximant approximants[] = {
       40840800, 960960, 16380, 182, 1}},
 };
 
-double modulus(M<double> const& x, std::ptrdiff_t k)
-{
-    return x.isc() ? std::hypot(x.addr()[k], x.addi()[k]) : std::abs(x.addr()[k]);
-}
-
-// log2 of the norm of |A|^power, which is the largest of the sums of its columns; -Inf for zero. Needs
-// room for two rows.
-double log_norm_of_power(M<double> const& A, int power, double* room)
-{
-    std::ptrdiff_t const n = A.rows();
-    double *sums = room, *next = room + n;
-    std::fill_n(sums, n, 1.0);
-    double logarithm = 0, largest = 1;
-    for (int p = 0; p < power && largest > 0; ++p) {
-        largest = 0;
-        for (std::ptrdiff_t j = 0; j < n; ++j) {
-            next[j] = 0;
-            for (std::ptrdiff_t i = 0; i < n; ++i)
-                next[j] += sums[i] * modulus(A, j * n + i);
-            largest = std::max(largest, next[j]);
-        }
-        logarithm += std::log2(largest);
-        std::transform(next, next + n, sums, [largest](double sum) { return sum / largest; });
+// The moduli of a matrix, and the norms of their powers.
+class Moduli {
+public:
+    explicit Moduli(M<double> const& A) : n_(A.rows()), room_(static_cast<std::size_t>(n_) * static_cast<std::size_t>(n_ + 2))
+    {
+        for (std::ptrdiff_t k = 0; room_ && k < A.size(); ++k)
+            room_.data()[k] = A.isc() ? std::hypot(A.addr()[k], A.addi()[k]) : std::abs(A.addr()[k]);
     }
-    return logarithm;
-}
+    explicit operator bool() const { return static_cast<bool>(room_); }
+
+    // log2 of the norm of |A|^power, which is the largest of the sums of its columns; -Inf for zero.
+    double log_norm_of_power(int power) const
+    {
+        double *const sums = room_.data() + std::ptrdiff_t{n_} * n_, *const next = sums + n_;
+        std::fill_n(sums, n_, 1.0);
+        double logarithm = 0, largest = 1;
+        for (int p = 0; p < power && largest > 0; ++p) {
+            std::fill_n(next, n_, 0.0);
+            blas.gemv_transposed(n_, n_, 1, {room_.data(), n_}, sums, next);
+            largest = *std::max_element(next, next + n_);
+            logarithm += std::log2(largest);
+            std::transform(next, next + n_, sums, [largest](double sum) { return sum / largest; });
+        }
+        return logarithm;
+    }
+
+private:
+    int n_;
+    HeapArray<double> room_;
+};
 
 // How many more halvings the rounding of the approximant's own error asks for.
-int further_halvings(M<double> const& A, double norm, int halved, Approximant const& approximant, double* room)
+int further_halvings(Moduli const& moduli, double norm, int halved, Approximant const& approximant)
 {
     int const power = 2 * approximant.degree + 1;
-    double const error = approximant.error_exponent + log_norm_of_power(A, power, room) - std::log2(norm) - 2.0 * approximant.degree * halved;
+    double const error = approximant.error_exponent + moduli.log_norm_of_power(power) - std::log2(norm) - 2.0 * approximant.degree * halved;
     double const needed = std::ceil((error + 53) / (2 * approximant.degree));
     return needed > 0 ? static_cast<int>(needed) : 0;
 }
@@ -100,16 +105,16 @@ struct Choice {
 
 // The cheapest approximant that serves A, or the largest one and how often A has to be halved before;
 // `p` are the powers of A / 2^shift, which bound its spectrum more closely than its norm.
-Choice chosen(M<double> const& A, double norm, Powers const& p, int shift, double* room)
+Choice chosen(Moduli const& moduli, double norm, Powers const& p, int shift)
 {
     double const d4 = std::ldexp(std::pow(one_norm(p.a4), 1.0 / 4), shift), d6 = std::ldexp(std::pow(one_norm(p.a6), 1.0 / 6), shift);
     for (Approximant const& one : approximants)
-        if (one.degree < 13 && std::max(d4, d6) <= one.largest && further_halvings(A, norm, 0, one, room) == 0)
+        if (one.degree < 13 && std::max(d4, d6) <= one.largest && further_halvings(moduli, norm, 0, one) == 0)
             return {&one, 0};
     Approximant const& last = approximants[4];
     double const bound = std::max(d4, std::pow(d4, 0.4) * std::pow(d6, 0.6));
     int const halvings = std::max(bound > 0 ? static_cast<int>(std::ceil(std::log2(bound / last.largest))) : 0, 0);
-    return {&last, halvings + further_halvings(A, norm, halvings, last, room)};
+    return {&last, halvings + further_halvings(moduli, norm, halvings, last)};
 }
 
 // The solution of A X = B for square B: infinities for a singular A, which `args` warns of, as of one that
@@ -182,10 +187,10 @@ M<double> exponential(Arguments const& args, M<double> const& A)
     }
     int const shift = norm > 1 ? std::ilogb(norm) + 1 : 0;
     Powers const powers = powers_of(times(A, std::ldexp(1, -shift)));
-    HeapArray<double> room(2 * static_cast<std::size_t>(A.rows()));
-    if (!given(powers.a6) || !room)
+    Moduli const moduli(A);
+    if (!given(powers.a6) || !moduli)
         return x_M;
-    Choice const choice = chosen(A, norm, powers, shift, room.data());
+    Choice const choice = chosen(moduli, norm, powers, shift);
     M<double> made = approximated(args, *choice.approximant, scaled(powers, shift - choice.halvings));
     for (int k = 0; k < choice.halvings; ++k)
         made = made * made;

@@ -135,10 +135,11 @@ template <Scalar T> int SingularValues<T>::rank(double tolerance) const
 template struct SingularValues<double>;
 template struct SingularValues<Complex>;
 
-template <Scalar T> bool decompose(Arguments const& args, Packed<T>& a, SingularVectors which, SingularValues<T>& made)
+template <Scalar T> bool decompose(Arguments const& args, M<double> const& A, SingularVectors which, SingularValues<T>& made)
 {
-    int const m = a.rows(), n = a.cols(), least = std::min(m, n);
+    int const m = A.rows(), n = A.cols(), least = std::min(m, n);
     bool const all = which == SingularVectors::all, none = which == SingularVectors::none;
+    Packed<T> a(A);
     made.s = Packed<double>(least, 1);
     made.u = none ? Packed<T>() : Packed<T>(m, all ? m : least);
     made.vt = none ? Packed<T>() : Packed<T>(all ? n : least, n);
@@ -148,22 +149,16 @@ template <Scalar T> bool decompose(Arguments const& args, Packed<T>& a, Singular
     if (least == 0)
         return true;
     char const job = none ? 'N' : all ? 'A' : 'S';
-    // The divide and conquer driver is the faster one; where it fails, the other one begins with the
-    // matrix as it was.
-    bool const divide = std::max(m, n) <= largest_divided;
-    Packed<T> kept(divide ? m : 0, divide ? n : 0);
-    if (!kept)
-        return false;
-    if (divide) {
-        std::copy_n(a.data(), a.size(), kept.data());
+    // The divide and conquer driver is the faster one; where it fails, the other one begins anew.
+    if (std::max(m, n) <= largest_divided) {
         int const info = singular_values(job, a, made, true);
         if (info <= 0)
             return converged(args, info);
-        std::swap(a, kept);
+        a = Packed<T>(A);
     }
-    return converged(args, singular_values(job, a, made, false));
+    return a && converged(args, singular_values(job, a, made, false));
 }
-template bool decompose(Arguments const&, Packed<double>&, SingularVectors, SingularValues<double>&);
-template bool decompose(Arguments const&, Packed<Complex>&, SingularVectors, SingularValues<Complex>&);
+template bool decompose(Arguments const&, M<double> const&, SingularVectors, SingularValues<double>&);
+template bool decompose(Arguments const&, M<double> const&, SingularVectors, SingularValues<Complex>&);
 
 } // namespace arrlib

@@ -42,8 +42,8 @@ template <Scalar T> struct SingularValues {
     int rank(double tolerance) const;
 };
 enum class SingularVectors { none, economy, all };
-// False after "%s: algorithm did not converge" or "Out of memory!". The matrix is overwritten.
-template <Scalar T> bool decompose(Arguments const& args, Packed<T>& matrix, SingularVectors which, SingularValues<T>& made);
+// False after "%s: algorithm did not converge" or "Out of memory!".
+template <Scalar T> bool decompose(Arguments const& args, M<double> const& A, SingularVectors which, SingularValues<T>& made);
 
 } // namespace arrlib
 

@@ -27,8 +27,7 @@ M<double> orthonormal_basis(Arguments const& args, M<double> const& A)
     return with_scalar(A.isc(), [&](auto kind) {
         using T = decltype(kind);
         SingularValues<T> found;
-        Packed<T> matrix(A);
-        if (!decompose(args, matrix, SingularVectors::economy, found))
+        if (!decompose(args, A, SingularVectors::economy, found))
             return x_M;
         return columns(found.u, 0, found.rank(found.default_tolerance(A.rows(), A.cols())));
     });
@@ -39,9 +38,8 @@ M<double> null_space(Arguments const& args, M<double> const& A)
     return with_scalar(A.isc(), [&](auto kind) {
         using T = decltype(kind);
         SingularValues<T> found;
-        Packed<T> matrix(A);
         // All of V is there without all of U when there are more rows than columns.
-        if (!decompose(args, matrix, A.rows() >= A.cols() ? SingularVectors::economy : SingularVectors::all, found))
+        if (!decompose(args, A, A.rows() >= A.cols() ? SingularVectors::economy : SingularVectors::all, found))
             return x_M;
         int const n = A.cols(), rank = found.rank(found.default_tolerance(A.rows(), n));
         Packed<T> basis(n, n - rank);
@@ -157,8 +155,7 @@ double extreme_value(Arguments const& args, M<double> const& A, bool largest)
     return with_scalar(A.isc(), [&](auto kind) {
         using T = decltype(kind);
         SingularValues<T> found;
-        Packed<T> matrix(A);
-        if (!decompose(args, matrix, SingularVectors::none, found) || found.count == 0)
+        if (!decompose(args, A, SingularVectors::none, found) || found.count == 0)
             return -1.0;
         return found.s.data()[largest ? 0 : found.count - 1];
     });

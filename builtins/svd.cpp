@@ -32,8 +32,7 @@ M<double> singular_values(M<double> const& A)
     return with_scalar(A.isc(), [&](auto kind) {
         using T = decltype(kind);
         SingularValues<T> made;
-        Packed<T> matrix(A);
-        return decompose(args, matrix, SingularVectors::none, made) ? made.s.value() : x_M;
+        return decompose(args, A, SingularVectors::none, made) ? made.s.value() : x_M;
     });
 }
 
@@ -48,9 +47,8 @@ Results<3> factors(M<double> const& A, bool economy)
     return with_scalar(A.isc(), [&](auto kind) {
         using T = decltype(kind);
         SingularValues<T> made;
-        Packed<T> matrix(A);
         bool const thin = economy && A.rows() > A.cols();
-        if (!decompose(args, matrix, thin ? SingularVectors::economy : SingularVectors::all, made))
+        if (!decompose(args, A, thin ? SingularVectors::economy : SingularVectors::all, made))
             return nothing<3>();
         Results<3> results{made.u.value(), diagonal(thin ? A.cols() : A.rows(), A.cols(), made.s.data()), ctranspose(made.vt.value())};
         return all_have_storage(results) && results[2].size() > 0 ? results : nothing<3>();
