@@ -14,6 +14,9 @@ using namespace arrlib;
 
 namespace {
 
+// What its elements come to on the way is beyond the largest number.
+constexpr char too_large[] = "matrix is too large";
+
 // Diagonal approximants of exp: degree, coefficients of the numerator, the largest norm that they serve,
 // and the logarithm to base 2 of the first coefficient of their error.
 struct Approximant {
@@ -118,11 +121,15 @@ Choice chosen(Moduli const& moduli, double norm, Powers const& p, int shift)
 }
 
 // The solution of A X = B for square B: infinities for a singular A, which `args` warns of, as of one that
-// is nearly so when it is checked; empty after a report.
+// is nearly so when it is checked; empty after a report, "%s: matrix is too large" among them.
 M<double> solved(Arguments const& args, M<double> const& A, M<double> const& B, bool checked)
 {
     if (!given(A) || !given(B))
         return x_M;
+    if (!std::isfinite(one_norm(A)) || !std::isfinite(one_norm(B))) {
+        args.report(too_large);
+        return x_M;
+    }
     return with_scalar(A.isc() || B.isc(), [&](auto kind) {
         using T = decltype(kind);
         int const n = A.rows();
@@ -182,7 +189,7 @@ M<double> exponential(Arguments const& args, M<double> const& A)
     if (norm == 0)
         return stored_or_nothing(identity_matrix(A.rows()));
     if (!std::isfinite(norm)) {
-        args.report("matrix is too large");
+        args.report(too_large);
         return x_M;
     }
     int const shift = norm > 1 ? std::ilogb(norm) + 1 : 0;

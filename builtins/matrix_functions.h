@@ -8,6 +8,7 @@
 #include "core/matrix.h"
 
 // --- exponentials ---------------------------------------------------------------------------------
+// "%s: matrix is too large" where even scaled elements pass the largest number.
 
 // Matrix exponential, by scaling, a diagonal Padé approximant and repeated squares (Al-Mohy and Higham, A
 // new scaling and squaring algorithm for the matrix exponential, 2009). For a diagonal A the exponentials

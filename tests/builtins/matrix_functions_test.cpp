@@ -157,6 +157,9 @@ TEST(MatrixFunctions, Reports)
 {
     M<double> const wide = rows_of({{1, 2}});
     expect_all({{reported_by([&] { expm(wide); }), "expm: matrix must be square"},
+                {reported_by([&] { expm(rows_of({{0, 1e308}, {0, 0}})); }), "expm: matrix is too large"},
+                {reported_by([&] { expm(rows_of({{1e308, 1e308}, {1e308, 0}})); }), "expm: matrix is too large"},
+                {reported_by([&] { expm3(rows_of({{0, 1000}, {-1, 800}})); }), "expm3: matrix is too large"},
                 {reported_by([&] { expm1(NaN); }), "expm1: matrix contains NaN or Inf"},
                 {reported_by([&] { expm2(Inf); }), "expm2: matrix contains NaN or Inf"},
                 {reported_by([&] { expm3(wide); }), "expm3: matrix must be square"},
