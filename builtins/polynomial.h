@@ -3,6 +3,7 @@
 #define ARRLIB_BUILTINS_POLYNOMIAL_H
 
 #include "builtins/zpack.h"
+#include "runtime/workers.h"
 
 #include <cmath>
 
@@ -51,15 +52,18 @@ template <Scalar T> Coefficients<T> derivative(Coefficients<T> const& p)
 // in the order of b.
 template <Scalar T> void add_product(T const* a, int na, T const* b, int nb, T* z)
 {
-    constexpr int block = 2048;
-    for (int from = 0, count = na + nb - 1; from < count; from += block) {
-        int const to = std::min(count - from, block) + from;
-        for (int j = std::max(0, from - na + 1); j < std::min(nb, to); ++j) {
-            T const factor = b[j];
-            for (int k = std::max(from, j), end = std::min(to, na + j); k < end; ++k)
-                z[k] += a[k - j] * factor;
+    constexpr std::ptrdiff_t block = 2048, least_products = 1 << 19;
+    std::ptrdiff_t const least = (least_products / nb / block + 1) * block;
+    parallel_for(std::ptrdiff_t{na} + nb - 1, least, [=](std::ptrdiff_t begin, std::ptrdiff_t end) {
+        for (std::ptrdiff_t from = begin; from < end; from += block) {
+            std::ptrdiff_t const to = std::min(end, from + block);
+            for (std::ptrdiff_t j = std::max<std::ptrdiff_t>(0, from - na + 1); j < std::min<std::ptrdiff_t>(nb, to); ++j) {
+                T const factor = b[j];
+                for (std::ptrdiff_t k = std::max(from, j), last = std::min(to, na + j); k < last; ++k)
+                    z[k] += a[k - j] * factor;
+            }
         }
-    }
+    });
 }
 
 // The product; of as many coefficients as both have, but one.

@@ -3,9 +3,9 @@
 
 #include "builtins/poly.h"
 #include "core/sparse.h"
-#include "support/spectral.h"
+#include "support/matrices.h"
 
-using namespace linear;
+using namespace matrices;
 using namespace values;
 
 namespace {

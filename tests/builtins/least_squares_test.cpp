@@ -1,9 +1,9 @@
 // Least squares by the conditions that their solutions meet.
 #include "builtins/least_squares.h"
 
-#include "support/spectral.h"
+#include "support/matrices.h"
 
-using namespace linear;
+using namespace matrices;
 using namespace values;
 
 namespace {

@@ -4,9 +4,9 @@
 #include "builtins/eigen.h"
 #include "ops/elementwise.h"
 #include "runtime/dispatch.h"
-#include "support/spectral.h"
+#include "support/matrices.h"
 
-using namespace linear;
+using namespace matrices;
 using namespace values;
 
 namespace {

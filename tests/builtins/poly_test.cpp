@@ -2,9 +2,10 @@
 #include "builtins/poly.h"
 
 #include "core/sparse.h"
-#include "support/spectral.h"
+#include "runtime/workers.h"
+#include "support/matrices.h"
 
-using namespace linear;
+using namespace matrices;
 using namespace values;
 
 namespace {
@@ -174,6 +175,11 @@ TEST(Conv, ProductsAndQuotients)
             ASSERT_EQ(r.size(), 6);
             EXPECT_EQ(size(element(r, 1)) + size(element(r, 2)) + size(element(r, 3)), 0);
         }
+    // The same bits on one thread and on two.
+    M<double> const longest = random(1, 20000), two_threads = conv(longest, longest);
+    int const before = arrlib::set_parallel_limit(1);
+    EXPECT_EQ(size(conv(longest, longest) - two_threads), 0);
+    arrlib::set_parallel_limit(before);
     M<double> q, r;
     expect_all({{shown(conv(row({1, 2}), row({1, 3, 5}))), "1x4: 1 5 11 10"},
                 {shown(conv(column({1, 2, 1}), row({1, 3}))), "4x1: 1 5 7 3"},

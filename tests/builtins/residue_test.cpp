@@ -2,9 +2,9 @@
 #include "builtins/residue.h"
 
 #include "builtins/poly.h"
-#include "support/spectral.h"
+#include "support/matrices.h"
 
-using namespace linear;
+using namespace matrices;
 using namespace values;
 
 namespace {

@@ -1,9 +1,9 @@
 // Rotations, and factorisations that follow a change against the change itself.
 #include "builtins/rotations.h"
 
-#include "support/spectral.h"
+#include "support/matrices.h"
 
-using namespace linear;
+using namespace matrices;
 using namespace values;
 
 namespace {

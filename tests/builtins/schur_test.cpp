@@ -2,9 +2,9 @@
 #include "builtins/schur.h"
 
 #include "builtins/eigen.h"
-#include "support/spectral.h"
+#include "support/matrices.h"
 
-using namespace linear;
+using namespace matrices;
 using namespace values;
 
 namespace {

@@ -3,14 +3,14 @@
 
 #include "builtins/subspaces.h"
 #include "core/sparse.h"
-#include "support/spectral.h"
+#include "support/matrices.h"
 
-using namespace linear;
+using namespace matrices;
 using namespace values;
 
 namespace {
 
-std::vector<Named> matrices()
+std::vector<Named> matrices_of_every_shape()
 {
     std::vector<Named> all = square_matrices();
     all.push_back({"tall", random(30, 8)});
@@ -23,7 +23,7 @@ std::vector<Named> matrices()
 
 TEST(Svd, FactorsMultiplyToTheMatrix)
 {
-    for (auto const& [name, A] : matrices())
+    for (auto const& [name, A] : matrices_of_every_shape())
         for (bool economy : {false, true}) {
             M<double> U, S, V;
             M<double> const first = economy ? svd(A, zero_M, i_o, U, S, V) : svd(A, i_o, U, S, V);

@@ -1,6 +1,6 @@
 // Matrices for tests of linear algebra, and distances in units of rounding errors.
-#ifndef ARRLIB_TESTS_SUPPORT_SPECTRAL_H
-#define ARRLIB_TESTS_SUPPORT_SPECTRAL_H
+#ifndef ARRLIB_TESTS_SUPPORT_MATRICES_H
+#define ARRLIB_TESTS_SUPPORT_MATRICES_H
 
 #include "core/reshape.h"
 #include "core/subscript.h"
@@ -15,7 +15,7 @@
 #include <string>
 #include <vector>
 
-namespace linear {
+namespace matrices {
 
 inline constexpr double epsilon = std::numeric_limits<double>::epsilon();
 
@@ -126,6 +126,6 @@ inline double lack_of_orthonormality(M<double> const& x)
     return distance(ctranspose(x) * x, identity(x.cols()), 1) / std::max(1.0, static_cast<double>(x.rows()) / std::max(x.cols(), 1));
 }
 
-} // namespace linear
+} // namespace matrices
 
 #endif
