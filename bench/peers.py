@@ -9,6 +9,7 @@ import scipy.io
 import scipy.linalg
 import scipy.sparse as sp
 import scipy.special as special
+import scipy.sparse.linalg as solvers
 
 
 def best(work, repeats=5):
@@ -130,6 +131,23 @@ def scalar_loop():
     s, two, three = np.float64(0), np.float64(2), np.float64(3)
     for k in range(10000):
         s = s + k * two - s / three
+
+
+vector = random.random(10000)
+
+
+def small_products():
+    x, y = a[:3, :3].copy(), b[:3, :3].copy()
+    s = x
+    for _ in range(100000):
+        s = s + x @ y
+
+
+def solve_grid(tilt, n=200):
+    line, other_line = (sp.diags([-1 - t, 2, -1 + t], [-1, 0, 1], shape=(n, n)) for t in (tilt, 0))
+    matrix = (sp.kron(sp.identity(n), line) + sp.kron(other_line, sp.identity(n))).tocsc()
+    sides = random.random(n * n)
+    return best(lambda: solvers.spsolve(matrix, sides), 3)
 
 
 def often(work, times=1000):
@@ -294,6 +312,12 @@ rows = {
     "ismember, 10 in 1e6": lambda: best(lambda: np.isin(ten, members)),
     "intersect, 1e6 and 1e6": lambda: best(lambda: np.intersect1d(members, among)),
     "a*b, 1000x1000": lambda: best(lambda: a @ b),
+    "A\\b, 1000x1000": lambda: best(lambda: np.linalg.solve(a, a3), 10),
+    "inv, 500x500": lambda: best(lambda: np.linalg.inv(b[:500, :500]), 10),
+    "s=s+a*b, 3x3, 1e5 times": lambda: best(small_products, 3),
+    "sparse times vector, 1e6 entries": lambda: best(lambda: sparse @ vector, 50),
+    "sparse A\\b, Laplacian of 200x200": lambda: solve_grid(0),
+    "sparse A\\b, not symmetric, of 200x200": lambda: solve_grid(0.1),
     "exp of complex, 1e6": lambda: best(lambda: np.exp(z)),
     "z.*z, complex 1e6": lambda: best(lambda: z * z, 20),
     "sum along columns, 1e7": lambda: best(lambda: tall.sum(axis=0), 10),

@@ -126,10 +126,14 @@ bool recombine(Arguments const& args, Eigenpairs& pairs, HeapArray<Complex> cons
     M<double> const vectors = pairs.vectors.value(), product = scaled.value();
     if (!has_storage(vectors) || !has_storage(product))
         return false;
-    M<double> const quotient = solved(args, ctranspose(vectors), ctranspose(product));
-    if (quotient.size() == 0)
+    M<double> const turned = ctranspose(vectors), sides = ctranspose(product);
+    if (turned.size() == 0 || sides.size() == 0)
         return false;
-    made = Packed<Complex>(ctranspose(quotient));
+    M<double> const quotient = solved(args, turned, sides);
+    M<double> const result = quotient.size() > 0 ? ctranspose(quotient) : x_M;
+    if (result.size() == 0)
+        return false;
+    made = Packed<Complex>(result);
     return static_cast<bool>(made);
 }
 

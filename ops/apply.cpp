@@ -46,16 +46,16 @@ M<double> room_for(M<double> const& x, M<double> const& y, Temporaries temporari
     return Access<double>::small(x.rows(), x.cols());
 }
 
-// What the engine gives for small operands of one shape.
-template <OpCode op> M<double> of_small(M<double> const& x, M<double> const& y, Temporaries temporaries)
+// What the engine gives for small operands of one shape. Functions of their own keep the way to them short.
+template <OpCode op> [[gnu::noinline]] M<double> of_small(M<double> const& x, M<double> const& y, Temporaries temporaries)
 {
-    // A temporary keeps its place when its storage moves.
+    // A temporary's elements stay where they are when its storage moves.
     double const *const from_x = x.addr(), *const from_y = y.addr();
     int const count = x.getnnz();
     M<double> made = room_for(x, y, temporaries);
-    if (has_storage(made))
+    if (double* const to = made.addr())
         for (int k = 0; k < count; ++k)
-            made.addr()[k] = of_numbers<op>(from_x[k], from_y[k]);
+            to[k] = of_numbers<op>(from_x[k], from_y[k]);
     return made;
 }
 
@@ -64,6 +64,11 @@ M<double> through_engine(OpCode op, M<double>&& x, M<double>&& y)
     M<double> result = Access<double>::without_storage();
     op_apply(result, std::move(x), std::move(y), nop_M, op, 0, l_M);
     return result;
+}
+
+[[gnu::noinline]] M<double> of_operands(OpCode op, M<double> const& x, M<double> const& y, Temporaries temporaries)
+{
+    return through_engine(op, taken(x, temporaries & temporary_x), taken(y, temporaries & temporary_y));
 }
 
 } // namespace
@@ -88,7 +93,7 @@ M<double> apply(OpCode op, M<double> const& x, M<double> const& y, Temporaries t
         default:
             break;
         }
-    return through_engine(op, taken(x, temporaries & temporary_x), taken(y, temporaries & temporary_y));
+    return of_operands(op, x, y, temporaries);
 }
 
 M<double> multiply(M<double> const& x, M<double> const& y, Temporaries temporaries)

@@ -53,31 +53,29 @@ void multiply_few(Sizes s, double sign, double const* x, double const* y, bool o
         }
 }
 
-// The same for results of so few rows that a column stays in registers.
-template <std::size_t rows> void multiply_few_rows(Sizes s, double const* x, double const* y, double* __restrict__ z)
+// The same for a square x of a size that the compiler knows.
+template <std::size_t rows> void multiply_few_square(Sizes s, double const* x, double const* y, double* __restrict__ z)
 {
-    for (int j = 0; j < s.n; ++j, z += rows, y += s.k) {
-        double sum[rows];
-        for (std::size_t i = 0; i < rows; ++i)
-            sum[i] = x[i] * y[0];
-        double const* from = x + rows;
-        for (int p = 1; p < s.k; ++p, from += rows)
-            for (std::size_t i = 0; i < rows; ++i)
-                sum[i] += from[i] * y[p];
-        for (std::size_t i = 0; i < rows; ++i)
-            z[i] = sum[i];
-    }
+    for (int j = 0; j < s.n; ++j, z += rows, y += rows)
+        for (std::size_t i = 0; i < rows; ++i) {
+            double sum = x[i] * y[0];
+            for (std::size_t p = 1; p < rows; ++p)
+                sum += x[p * rows + i] * y[p];
+            z[i] = sum;
+        }
 }
 
 void multiply_small(Sizes s, double const* x, double const* y, double* z)
 {
+    if (s.m != s.k)
+        return multiply_few(s, 1, x, y, false, z);
     switch (s.m) {
     case 2:
-        return multiply_few_rows<2>(s, x, y, z);
+        return multiply_few_square<2>(s, x, y, z);
     case 3:
-        return multiply_few_rows<3>(s, x, y, z);
+        return multiply_few_square<3>(s, x, y, z);
     case 4:
-        return multiply_few_rows<4>(s, x, y, z);
+        return multiply_few_square<4>(s, x, y, z);
     default:
         return multiply_few(s, 1, x, y, false, z);
     }
@@ -160,21 +158,17 @@ bool can_be_multiplied(M<double> const& x, M<double> const& y)
     return false;
 }
 
-} // namespace
-
-M<double> matrix_product(M<double> const& x, M<double> const& y)
+[[gnu::noinline]] M<double> small_product(M<double> const& x, M<double> const& y)
 {
-    if (is_real_matrix(x) && is_real_matrix(y) && x.cols() == y.rows()) {
-        Sizes const sizes{x.rows(), y.cols(), x.cols()};
-        std::int64_t const result = std::int64_t{sizes.m} * sizes.n;
-        if (result > 0 && result * sizes.k <= few_multiplications) {
-            M<double> made = Access<double>::small(sizes.m, sizes.n);
-            if (!has_storage(made))
-                return x_M;
-            multiply_small(sizes, x.addr(), y.addr(), made.addr());
-            return made;
-        }
-    }
+    Sizes const sizes{x.rows(), y.cols(), x.cols()};
+    M<double> made = Access<double>::small(sizes.m, sizes.n);
+    if (has_storage(made))
+        multiply_small(sizes, x.addr(), y.addr(), made.addr());
+    return made;
+}
+
+[[gnu::noinline]] M<double> any_product(M<double> const& x, M<double> const& y)
+{
     if (!can_be_multiplied(x, y))
         return x_M;
     M<double> made = x.issparse() && y.issparse() ? sparse_times_sparse(x, y)
@@ -182,6 +176,18 @@ M<double> matrix_product(M<double> const& x, M<double> const& y)
                      : y.issparse()               ? full_times_sparse(x, y)
                                                   : full_product(x, y);
     return has_storage(made) ? made : x_M;
+}
+
+} // namespace
+
+M<double> matrix_product(M<double> const& x, M<double> const& y)
+{
+    if (is_real_matrix(x) && is_real_matrix(y) && x.cols() == y.rows()) {
+        std::int64_t const result = std::int64_t{x.rows()} * y.cols();
+        if (result > 0 && result * x.cols() <= few_multiplications)
+            return small_product(x, y);
+    }
+    return any_product(x, y);
 }
 
 } // namespace arrlib
