@@ -404,12 +404,13 @@ template <Scalar T> bool sparse_qr(M<double> const& a, M<double> const* b, bool 
         return false;
     int const m = columns.rows(), n = columns.cols(), least = std::min(m, n);
     Packed<T> product;
-    Matrix<T> triangle;
     if (b && !(product = Packed<T>(least, b->cols())))
         return false;
     Packed<T> const sides = b ? Packed<T>(*b) : Packed<T>();
     if (b && !sides)
         return false;
+    SparseCollector<T> collected(economy ? least : m, n);
+    bool collecting = true;
     bool const enough = guarded([&] {
         Matrix<T> const whole = view(columns);
         Eigen::SparseQR<Matrix<T>, Eigen::NaturalOrdering<int>> factors;
@@ -417,14 +418,16 @@ template <Scalar T> bool sparse_qr(M<double> const& a, M<double> const* b, bool 
         factors.setPivotThreshold(0);
         Matrix<T> const square = whole.leftCols(least);
         factors.compute(square);
-        triangle = factors.matrixR();
-        if (n > least) {
-            // The columns beyond take part in the products only.
-            Dense<T> const beyond = factors.matrixQ().adjoint() * Dense<T>(whole.rightCols(n - least));
-            Matrix<T> widened(m, n);
-            widened.leftCols(least) = triangle;
-            widened.rightCols(n - least) = beyond.sparseView();
-            triangle = widened;
+        Matrix<T> const triangle = factors.matrixR();
+        for (int j = 0; j < least; ++j)
+            for (typename Matrix<T>::InnerIterator entry(triangle, j); entry; ++entry)
+                collecting = collecting && (entry.row() > j || collected.add(static_cast<int>(entry.row()), j, entry.value()));
+        // The columns beyond take part in the products only, one at a time.
+        for (int j = least; j < n; ++j) {
+            Dense<T> const column = whole.col(j);
+            Dense<T> const made = factors.matrixQ().adjoint() * column;
+            for (int i = 0; i < least; ++i)
+                collecting = collecting && collected.add(i, j, made(i, 0));
         }
         if (b) {
             Dense<T> const right = Eigen::Map<Dense<T> const>(sides.data(), m, b->cols());
@@ -433,13 +436,8 @@ template <Scalar T> bool sparse_qr(M<double> const& a, M<double> const* b, bool 
         }
         return true;
     });
-    if (!enough)
+    if (!enough || !collecting)
         return false;
-    SparseCollector<T> collected(economy ? least : m, n);
-    for (int j = 0; j < n; ++j)
-        for (typename Matrix<T>::InnerIterator entry(triangle, j); entry; ++entry)
-            if (entry.row() <= j && entry.row() < least && !collected.add(static_cast<int>(entry.row()), j, entry.value()))
-                return false;
     r = collected.value();
     if (!has_storage(r))
         return false;
