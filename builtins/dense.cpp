@@ -4,13 +4,10 @@
 #include "runtime/errors.h"
 
 #include <cmath>
-#include <limits>
 
 namespace arrlib {
 
 namespace {
-
-constexpr double infinity = std::numeric_limits<double>::infinity();
 
 template <Scalar T> bool is_upper(Packed<T> const& a)
 {

@@ -27,8 +27,8 @@ template <class T> using Potrs = void(Letter uplo, In n, In nrhs, T const* a, In
 template <class T>
 using Trtrs = void(Letter uplo, Letter trans, Letter diag, In n, In nrhs, T const* a, In lda, T* b, In ldb, int* info, Length, Length, Length);
 template <class T> using Trtri = void(Letter uplo, Letter diag, In n, T* a, In lda, int* info, Length, Length);
-template <class T>
-using Trcon = void(Letter norm, Letter uplo, Letter diag, In n, T const* a, In lda, double* rcond, T* work, Other<T>* other, int* info, Length, Length, Length);
+template <class T> using Trcon = void(Letter norm, Letter uplo, Letter diag, In n, T const* a, In lda, double* rcond, T* work, Other<T>* other,
+                                      int* info, Length, Length, Length);
 template <class T> using Gels = void(Letter trans, In m, In n, In nrhs, T* a, In lda, T* b, In ldb, T* work, In lwork, int* info, Length);
 using Lacn2Real = void(In n, double* v, double* x, int* isgn, double* estimate, int* kase, int* isave);
 using Lacn2Complex = void(In n, Complex* v, Complex* x, double* estimate, int* kase, int* isave);
@@ -37,81 +37,81 @@ template <class T> using Geqrf = void(In m, In n, T* a, In lda, T* tau, T* work,
 using Geqp3Real = void(In m, In n, double* a, In lda, int* columns, double* tau, double* work, In lwork, int* info);
 using Geqp3Complex = void(In m, In n, Complex* a, In lda, int* columns, Complex* tau, Complex* work, In lwork, double* rwork, int* info);
 template <class T> using Orgqr = void(In m, In n, In k, T* a, In lda, T const* tau, T* work, In lwork, int* info);
-template <class T>
-using Ormqr = void(Letter side, Letter trans, In m, In n, In k, T const* a, In lda, T const* tau, T* c, In ldc, T* work, In lwork, int* info, Length, Length);
+template <class T> using Ormqr = void(Letter side, Letter trans, In m, In n, In k, T const* a, In lda, T const* tau, T* c, In ldc, T* work, In lwork,
+                                      int* info, Length, Length);
 
-using GesvdReal = void(Letter jobu, Letter jobvt, In m, In n, double* a, In lda, double* s, double* u, In ldu, double* vt, In ldvt, double* work, In lwork,
-                       int* info, Length, Length);
-using GesvdComplex = void(Letter jobu, Letter jobvt, In m, In n, Complex* a, In lda, double* s, Complex* u, In ldu, Complex* vt, In ldvt, Complex* work,
-                          In lwork, double* rwork, int* info, Length, Length);
-using GesddReal = void(Letter jobz, In m, In n, double* a, In lda, double* s, double* u, In ldu, double* vt, In ldvt, double* work, In lwork, int* iwork,
-                       int* info, Length);
+using GesvdReal = void(Letter jobu, Letter jobvt, In m, In n, double* a, In lda, double* s, double* u, In ldu, double* vt, In ldvt, double* work,
+                       In lwork, int* info, Length, Length);
+using GesvdComplex = void(Letter jobu, Letter jobvt, In m, In n, Complex* a, In lda, double* s, Complex* u, In ldu, Complex* vt, In ldvt,
+                          Complex* work, In lwork, double* rwork, int* info, Length, Length);
+using GesddReal = void(Letter jobz, In m, In n, double* a, In lda, double* s, double* u, In ldu, double* vt, In ldvt, double* work, In lwork,
+                       int* iwork, int* info, Length);
 using GesddComplex = void(Letter jobz, In m, In n, Complex* a, In lda, double* s, Complex* u, In ldu, Complex* vt, In ldvt, Complex* work, In lwork,
                           double* rwork, int* iwork, int* info, Length);
 using Ggsvd3Real = void(Letter jobu, Letter jobv, Letter jobq, In m, In n, In p, int* k, int* l, double* a, In lda, double* b, In ldb, double* alpha,
                         double* beta, double* u, In ldu, double* v, In ldv, double* q, In ldq, double* work, In lwork, int* order, int* info, Length,
                         Length, Length);
-using Ggsvd3Complex = void(Letter jobu, Letter jobv, Letter jobq, In m, In n, In p, int* k, int* l, Complex* a, In lda, Complex* b, In ldb, double* alpha,
-                           double* beta, Complex* u, In ldu, Complex* v, In ldv, Complex* q, In ldq, Complex* work, In lwork, double* rwork, int* order,
-                           int* info, Length, Length, Length);
+using Ggsvd3Complex = void(Letter jobu, Letter jobv, Letter jobq, In m, In n, In p, int* k, int* l, Complex* a, In lda, Complex* b, In ldb,
+                           double* alpha, double* beta, Complex* u, In ldu, Complex* v, In ldv, Complex* q, In ldq, Complex* work, In lwork,
+                           double* rwork, int* order, int* info, Length, Length, Length);
 
 using Syev = void(Letter jobz, Letter uplo, In n, double* a, In lda, double* w, double* work, In lwork, int* info, Length, Length);
 using Heev = void(Letter jobz, Letter uplo, In n, Complex* a, In lda, double* w, Complex* work, In lwork, double* rwork, int* info, Length, Length);
-using Syevd = void(Letter jobz, Letter uplo, In n, double* a, In lda, double* w, double* work, In lwork, int* iwork, In liwork, int* info, Length, Length);
-using Heevd = void(Letter jobz, Letter uplo, In n, Complex* a, In lda, double* w, Complex* work, In lwork, double* rwork, In lrwork, int* iwork, In liwork,
-                   int* info, Length, Length);
-using Sygv = void(In itype, Letter jobz, Letter uplo, In n, double* a, In lda, double* b, In ldb, double* w, double* work, In lwork, int* info, Length, Length);
+using Syevd = void(Letter jobz, Letter uplo, In n, double* a, In lda, double* w, double* work, In lwork, int* iwork, In liwork, int* info, Length,
+                   Length);
+using Heevd = void(Letter jobz, Letter uplo, In n, Complex* a, In lda, double* w, Complex* work, In lwork, double* rwork, In lrwork, int* iwork,
+                   In liwork, int* info, Length, Length);
+using Sygv = void(In itype, Letter jobz, Letter uplo, In n, double* a, In lda, double* b, In ldb, double* w, double* work, In lwork, int* info,
+                  Length, Length);
 using Hegv = void(In itype, Letter jobz, Letter uplo, In n, Complex* a, In lda, Complex* b, In ldb, double* w, Complex* work, In lwork, double* rwork,
                   int* info, Length, Length);
-using GeevReal = void(Letter jobvl, Letter jobvr, In n, double* a, In lda, double* wr, double* wi, double* vl, In ldvl, double* vr, In ldvr, double* work,
-                      In lwork, int* info, Length, Length);
+using GeevReal = void(Letter jobvl, Letter jobvr, In n, double* a, In lda, double* wr, double* wi, double* vl, In ldvl, double* vr, In ldvr,
+                      double* work, In lwork, int* info, Length, Length);
 using GeevComplex = void(Letter jobvl, Letter jobvr, In n, Complex* a, In lda, Complex* w, Complex* vl, In ldvl, Complex* vr, In ldvr, Complex* work,
                          In lwork, double* rwork, int* info, Length, Length);
 using GeevxReal = void(Letter balance, Letter jobvl, Letter jobvr, Letter sense, In n, double* a, In lda, double* wr, double* wi, double* vl, In ldvl,
                        double* vr, In ldvr, int* ilo, int* ihi, double* scale, double* abnrm, double* rconde, double* rcondv, double* work, In lwork,
                        int* iwork, int* info, Length, Length, Length, Length);
-using GeevxComplex = void(Letter balance, Letter jobvl, Letter jobvr, Letter sense, In n, Complex* a, In lda, Complex* w, Complex* vl, In ldvl, Complex* vr,
-                          In ldvr, int* ilo, int* ihi, double* scale, double* abnrm, double* rconde, double* rcondv, Complex* work, In lwork,
-                          double* rwork, int* info, Length, Length, Length, Length);
-using GgevReal = void(Letter jobvl, Letter jobvr, In n, double* a, In lda, double* b, In ldb, double* alphar, double* alphai, double* beta, double* vl,
-                      In ldvl, double* vr, In ldvr, double* work, In lwork, int* info, Length, Length);
-using GgevComplex = void(Letter jobvl, Letter jobvr, In n, Complex* a, In lda, Complex* b, In ldb, Complex* alpha, Complex* beta, Complex* vl, In ldvl,
-                         Complex* vr, In ldvr, Complex* work, In lwork, double* rwork, int* info, Length, Length);
+using GeevxComplex = void(Letter balance, Letter jobvl, Letter jobvr, Letter sense, In n, Complex* a, In lda, Complex* w, Complex* vl, In ldvl,
+                          Complex* vr, In ldvr, int* ilo, int* ihi, double* scale, double* abnrm, double* rconde, double* rcondv, Complex* work,
+                          In lwork, double* rwork, int* info, Length, Length, Length, Length);
+using GgevReal = void(Letter jobvl, Letter jobvr, In n, double* a, In lda, double* b, In ldb, double* alphar, double* alphai, double* beta,
+                      double* vl, In ldvl, double* vr, In ldvr, double* work, In lwork, int* info, Length, Length);
+using GgevComplex = void(Letter jobvl, Letter jobvr, In n, Complex* a, In lda, Complex* b, In ldb, Complex* alpha, Complex* beta, Complex* vl,
+                         In ldvl, Complex* vr, In ldvr, Complex* work, In lwork, double* rwork, int* info, Length, Length);
 
 template <class T> using Gehrd = void(In n, In ilo, In ihi, T* a, In lda, T* tau, T* work, In lwork, int* info);
 template <class T> using Orghr = void(In n, In ilo, In ihi, T* a, In lda, T const* tau, T* work, In lwork, int* info);
 template <class T> using Gebal = void(Letter job, In n, T* a, In lda, int* ilo, int* ihi, double* scale, int* info, Length);
-template <class T> using Gebak = void(Letter job, Letter side, In n, In ilo, In ihi, double const* scale, In m, T* v, In ldv, int* info, Length, Length);
+template <class T>
+using Gebak = void(Letter job, Letter side, In n, In ilo, In ihi, double const* scale, In m, T* v, In ldv, int* info, Length, Length);
 // What a driver would select by asking back.
 using Selection = int (*)();
 using GeesReal = void(Letter jobvs, Letter sort, Selection select, In n, double* a, In lda, int* sdim, double* wr, double* wi, double* vs, In ldvs,
                       double* work, In lwork, int* bwork, int* info, Length, Length);
-using GeesComplex = void(Letter jobvs, Letter sort, Selection select, In n, Complex* a, In lda, int* sdim, Complex* w, Complex* vs, In ldvs, Complex* work,
-                         In lwork, double* rwork, int* bwork, int* info, Length, Length);
-using TrsenReal = void(Letter job, Letter compq, In select, In n, double* t, In ldt, double* q, In ldq, double* wr, double* wi, int* m, double* s, double* sep,
-                       double* work, In lwork, int* iwork, In liwork, int* info, Length, Length);
-using TrsenComplex = void(Letter job, Letter compq, In select, In n, Complex* t, In ldt, Complex* q, In ldq, Complex* w, int* m, double* s, double* sep,
-                          Complex* work, In lwork, int* info, Length, Length);
-using GgesReal = void(Letter jobvsl, Letter jobvsr, Letter sort, Selection select, In n, double* a, In lda, double* b, In ldb, int* sdim, double* alphar,
-                      double* alphai, double* beta, double* vsl, In ldvsl, double* vsr, In ldvsr, double* work, In lwork, int* bwork, int* info, Length,
-                      Length, Length);
+using GeesComplex = void(Letter jobvs, Letter sort, Selection select, In n, Complex* a, In lda, int* sdim, Complex* w, Complex* vs, In ldvs,
+                         Complex* work, In lwork, double* rwork, int* bwork, int* info, Length, Length);
+using TrsenReal = void(Letter job, Letter compq, In select, In n, double* t, In ldt, double* q, In ldq, double* wr, double* wi, int* m, double* s,
+                       double* sep, double* work, In lwork, int* iwork, In liwork, int* info, Length, Length);
+using TrsenComplex = void(Letter job, Letter compq, In select, In n, Complex* t, In ldt, Complex* q, In ldq, Complex* w, int* m, double* s,
+                          double* sep, Complex* work, In lwork, int* info, Length, Length);
+using GgesReal = void(Letter jobvsl, Letter jobvsr, Letter sort, Selection select, In n, double* a, In lda, double* b, In ldb, int* sdim,
+                      double* alphar, double* alphai, double* beta, double* vsl, In ldvsl, double* vsr, In ldvsr, double* work, In lwork, int* bwork,
+                      int* info, Length, Length, Length);
 using GgesComplex = void(Letter jobvsl, Letter jobvsr, Letter sort, Selection select, In n, Complex* a, In lda, Complex* b, In ldb, int* sdim,
-                         Complex* alpha, Complex* beta, Complex* vsl, In ldvsl, Complex* vsr, In ldvsr, Complex* work, In lwork, double* rwork, int* bwork,
-                         int* info, Length, Length, Length);
+                         Complex* alpha, Complex* beta, Complex* vsl, In ldvsl, Complex* vsr, In ldvsr, Complex* work, In lwork, double* rwork,
+                         int* bwork, int* info, Length, Length, Length);
 using TgevcReal = void(Letter side, Letter howmny, In select, In n, double const* s, In lds, double const* p, In ldp, double* vl, In ldvl, double* vr,
                        In ldvr, In mm, int* m, double* work, int* info, Length, Length);
-using TgevcComplex = void(Letter side, Letter howmny, In select, In n, Complex const* s, In lds, Complex const* p, In ldp, Complex* vl, In ldvl, Complex* vr,
-                          In ldvr, In mm, int* m, Complex* work, double* rwork, int* info, Length, Length);
-template <class T>
-using Trsyl = void(Letter trana, Letter tranb, In sign, In m, In n, T const* a, In lda, T const* b, In ldb, T* c, In ldc, double* scale, int* info, Length,
-                   Length);
+using TgevcComplex = void(Letter side, Letter howmny, In select, In n, Complex const* s, In lds, Complex const* p, In ldp, Complex* vl, In ldvl,
+                          Complex* vr, In ldvr, In mm, int* m, Complex* work, double* rwork, int* info, Length, Length);
+template <class T> using Trsyl = void(Letter trana, Letter tranb, In sign, In m, In n, T const* a, In lda, T const* b, In ldb, T* c, In ldc,
+                                      double* scale, int* info, Length, Length);
 
-template <class T>
-using Gemm = void(Letter transa, Letter transb, In m, In n, In k, T const* alpha, T const* a, In lda, T const* b, In ldb, T const* beta, T* c, In ldc, Length,
-                  Length);
-template <class T>
-using Trsm = void(Letter side, Letter uplo, Letter trans, Letter diag, In m, In n, T const* alpha, T const* a, In lda, T* b, In ldb, Length, Length, Length,
-                  Length);
+template <class T> using Gemm = void(Letter transa, Letter transb, In m, In n, In k, T const* alpha, T const* a, In lda, T const* b, In ldb,
+                                     T const* beta, T* c, In ldc, Length, Length);
+template <class T> using Trsm = void(Letter side, Letter uplo, Letter trans, Letter diag, In m, In n, T const* alpha, T const* a, In lda, T* b,
+                                     In ldb, Length, Length, Length, Length);
 
 // Where the library is not to be had its drivers are null pointers, which invoke() meets.
 #if defined(ARRLIB_OPENBLAS)

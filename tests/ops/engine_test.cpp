@@ -207,6 +207,27 @@ TEST(Engine, ExpressionsTakeStorageOnce)
     EXPECT_EQ(z.r(5), 1 + 1 - 2 + 1);
 }
 
+// Few elements do not go through the engine; what they give is the engine's.
+TEST(Engine, FewElementsGiveTheSame)
+{
+    M<double> x = row({6, -0.0, 0}), text = TM("abc"), flags = x > zero_M;
+    x.setname("x");
+    for (OpCode op : {op_plus, op_minus, op_times, op_rdivide})
+        for (M<double> const& y : {x, text, flags}) {
+            M<double> const expected = applied(op, x, y);
+            M<double> first = y, second = y;
+            second.unshare();
+            for (M<double> const& made : {arrlib::apply(op, x, y), arrlib::apply(op, x, std::move(first), arrlib::temporary_y),
+                                          arrlib::apply(op, x, std::move(second), arrlib::temporary_y)}) {
+                EXPECT_EQ(std::memcmp(made.addr(), expected.addr(), 3 * sizeof(double)), 0);
+                EXPECT_EQ(made.rows() * 10 + made.cols(), 13);
+                EXPECT_TRUE(!made.isstr() && !made.islogical() && !made.getname());
+            }
+        }
+    EXPECT_EQ(text[1], 'a');
+    EXPECT_EQ(x[1], 6);
+}
+
 TEST(Engine, EmptyOperands)
 {
     M<double> const none, one(1.0), zero_rows(0, 0, 3);

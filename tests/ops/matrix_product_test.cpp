@@ -46,7 +46,7 @@ TEST(MatrixProduct, AgreesWithPlainLoopsForEveryKindAndShape)
 {
     struct {
         int m, k, n;
-    } const sizes[] = {{1, 2, 1}, {2, 2, 2}, {1, 7, 1}, {1, 9, 5}, {5, 9, 1}, {9, 1, 9}, {3, 4, 5}, {8, 8, 8}, {1, 300, 1}, {1, 70, 40},
+    } const sizes[] = {{1, 2, 1}, {2, 2, 2}, {3, 3, 3}, {3, 3, 2}, {4, 4, 4}, {1, 7, 1}, {1, 9, 5}, {5, 9, 1}, {9, 1, 9}, {3, 4, 5}, {8, 8, 8}, {1, 300, 1}, {1, 70, 40},
                        {40, 70, 1}, {40, 2, 30}, {2, 90, 3}, {65, 33, 17}, {70, 1, 50}, {130, 70, 90}};
     for (auto const& size : sizes)
         for (int kind = 0; kind < 16; ++kind) {
@@ -209,6 +209,25 @@ TEST(MatrixProduct, BitsDoNotDependOnTheNumberOfThreads)
 }
 
 // The loops that serve where there is no library, on parts of larger matrices.
+// Enough entries for the two halves of a product with one vector, the second of which begins with a column.
+TEST(MatrixProduct, ManySparseEntriesTimesAVector)
+{
+    constexpr int rows = 300, cols = 900, every = 2;
+    M<double> full_x(true, rows, cols), y(0, cols, 1);
+    for (int k = 0; k < rows * cols; ++k) {
+        full_x.addr()[k] = k % every ? 0 : k % 17 - 8;
+        full_x.addi()[k] = k % every ? 0 : k % 5;
+    }
+    for (int k = 0; k < cols; ++k)
+        y.addr()[k] = k % 7 - 3;
+    M<double> const x = sparse(full_x), expected = matrix_product(full_x, y);
+    for (int threads : {1, 2}) {
+        int const before = arrlib::set_parallel_limit(threads);
+        shapes::expect_equal(matrix_product(x, y), shapes::model_of(expected), {true, false, false, false});
+        arrlib::set_parallel_limit(before);
+    }
+}
+
 TEST(MatrixProduct, PlainLoopsAgreeWithPlainerOnes)
 {
     M<double> const a = value(false, false, 200, 100), b = value(false, false, 150, 80);
