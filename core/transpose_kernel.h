@@ -2,6 +2,8 @@
 #ifndef ARRLIB_CORE_TRANSPOSE_KERNEL_H
 #define ARRLIB_CORE_TRANSPOSE_KERNEL_H
 
+#include "runtime/workers.h"
+
 #include <cstddef>
 #include <cstring>
 #include <type_traits>
@@ -47,12 +49,15 @@ template <class T> void transpose_copy(Columns<T const> from, Columns<T> to, int
 {
     int whole_rows = 0, whole_cols = 0;
     if constexpr (std::is_same_v<T, double>) {
-        constexpr int tile_rows = 8, tile_cols = 16;
+        constexpr int tile_rows = 8, tile_cols = 16, least_elements = 1 << 16;
         whole_rows = rows - rows % tile_rows;
         whole_cols = cols - cols % tile_cols;
-        for (int col = 0; col < whole_cols; col += tile_cols)
-            for (int row = 0; row < whole_rows; row += tile_rows)
-                transpose_tile<tile_rows, tile_cols>(from.at(row, col), from.stride, to.at(col, row), to.stride);
+        // A thread runs down whole columns: those are what the hardware fetches ahead.
+        parallel_for(whole_cols / tile_cols, least_elements / (tile_cols * (whole_rows + 1)) + 1, [=](std::ptrdiff_t tile, std::ptrdiff_t end) {
+            for (std::ptrdiff_t col = tile * tile_cols; col < end * tile_cols; col += tile_cols)
+                for (int row = 0; row < whole_rows; row += tile_rows)
+                    transpose_tile<tile_rows, tile_cols>(from.at(row, col), from.stride, to.at(col, row), to.stride);
+        });
     }
     transpose_plainly(from, to, whole_rows, rows, 0, whole_cols);
     transpose_plainly(from, to, 0, rows, whole_cols, cols);

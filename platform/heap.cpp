@@ -16,7 +16,7 @@ constinit HeapRelease release_hook = nullptr;
 // writing to the fresh pages of a large result then costs more than computing it. The last few
 // freed ones are kept for the next results of about their size. The address sanitizer must see
 // every block go.
-constexpr std::size_t smallest_kept = std::size_t{32} << 20;
+constexpr std::size_t smallest_kept = std::size_t{1} << 17;
 constexpr std::size_t most_kept = std::size_t{256} << 20;
 #if defined(__SANITIZE_ADDRESS__)
 constexpr bool keeping = false;
@@ -64,7 +64,7 @@ public:
     }
 
 private:
-    std::atomic<void*> slots_[4] = {};
+    std::atomic<void*> slots_[8] = {};
     std::atomic<std::size_t> total_ = 0;
 };
 
