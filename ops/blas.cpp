@@ -49,9 +49,9 @@ public:
     OneThread() : BlasThreads(1) {}
 };
 
-void gemm(int m, int n, int k, double alpha, ConstantPanel a, ConstantPanel b, bool onto, Panel c)
+void gemm(int threads, int m, int n, int k, double alpha, ConstantPanel a, ConstantPanel b, bool onto, Panel c)
 {
-    OneThread const one;
+    BlasThreads const guard(threads);
     cblas_dgemm(CblasColMajor, CblasNoTrans, CblasNoTrans, m, n, k, alpha, a.at, a.stride, b.at, b.stride, onto ? 1 : 0, c.at, c.stride);
 }
 

@@ -15,11 +15,12 @@ struct Panel {
     int stride;
 };
 
-// Every function works on the thread that calls it and may be called from many at once. NaN and
-// infinities come through: no factor of zero is skipped.
+// Every function but gemm works on the thread that calls it; all may be called from many at once. NaN
+// and infinities come through: no factor of zero is skipped.
 struct Blas {
-    // c += alpha a b; a is m x k, b is k x n. With `onto` false c counts as zero.
-    void (*gemm)(int m, int n, int k, double alpha, ConstantPanel a, ConstantPanel b, bool onto, Panel c);
+    // c += alpha a b; a is m x k, b is k x n. With `onto` false c counts as zero. On up to so many threads
+    // of the library's own, whose number the last bits depend on.
+    void (*gemm)(int threads, int m, int n, int k, double alpha, ConstantPanel a, ConstantPanel b, bool onto, Panel c);
     // y += alpha a x and y += alpha a' x; a is m x n.
     void (*gemv)(int m, int n, double alpha, ConstantPanel a, double const* x, double* y);
     void (*gemv_transposed)(int m, int n, double alpha, ConstantPanel a, double const* x, double* y);

@@ -25,6 +25,9 @@ constexpr std::int64_t least_multiplications = std::int64_t{1} << 22, least_elem
 // which the library's loops divide as they divide the whole: the bits do not depend on the number of
 // threads. Its loops for AVX-512 take 24 columns at a time, others 4 or 8.
 constexpr std::int64_t vector_unit = 64, column_unit = 48;
+// From here on every thread's copy of the left factor costs more than equal bits are worth: the library's
+// own threads share it.
+constexpr std::int64_t library_multiplications = std::int64_t{1} << 28;
 
 // Sizes of a product: x is m x k, y is k x n.
 struct Sizes {
@@ -97,16 +100,18 @@ void multiply_vector_by(Sizes s, double sign, double const* x, double const* y, 
 
 void multiply_matrices(Sizes s, double sign, double const* x, double const* y, bool onto, double* z)
 {
+    if (std::int64_t{s.m} * s.n * s.k >= library_multiplications)
+        return blas.gemm(parallel_width(), s.m, s.n, s.k, sign, {x, s.m}, {y, s.k}, onto, {z, s.m});
     if (s.n >= 2 * column_unit || s.m < 2 * s.n)
         return parallel_for(s.n, piece(least_multiplications, std::int64_t{s.m} * s.k, column_unit), [=](std::ptrdiff_t from, std::ptrdiff_t to) {
-            blas.gemm(s.m, static_cast<int>(to - from), s.k, sign, {x, s.m}, {y + from * s.k, s.k}, onto, {z + from * s.m, s.m});
+            blas.gemm(1, s.m, static_cast<int>(to - from), s.k, sign, {x, s.m}, {y + from * s.k, s.k}, onto, {z + from * s.m, s.m});
         });
     // How the last rows of a call are computed depends on their number: the calls are the same however many
     // threads make them.
     std::ptrdiff_t const rows = piece(least_multiplications, std::int64_t{s.n} * s.k, vector_unit);
     parallel_for((s.m + rows - 1) / rows, 1, [=](std::ptrdiff_t from, std::ptrdiff_t to) {
         for (std::ptrdiff_t row = from * rows; row < std::min<std::ptrdiff_t>(to * rows, s.m); row += rows)
-            blas.gemm(static_cast<int>(std::min<std::ptrdiff_t>(rows, s.m - row)), s.n, s.k, sign, {x + row, s.m}, {y, s.k}, onto, {z + row, s.m});
+            blas.gemm(1, static_cast<int>(std::min<std::ptrdiff_t>(rows, s.m - row)), s.n, s.k, sign, {x + row, s.m}, {y, s.k}, onto, {z + row, s.m});
     });
 }
 

@@ -35,7 +35,7 @@ void add_columns(int m, int n, double alpha, ConstantPanel a, double const* x, d
     }
 }
 
-void gemm(int m, int n, int k, double alpha, ConstantPanel a, ConstantPanel b, bool onto, Panel c)
+void gemm(int, int m, int n, int k, double alpha, ConstantPanel a, ConstantPanel b, bool onto, Panel c)
 {
     if (!onto)
         for (int j = 0; j < n; ++j)
@@ -50,7 +50,7 @@ void gemm(int m, int n, int k, double alpha, ConstantPanel a, ConstantPanel b, b
 
 void gemv(int m, int n, double alpha, ConstantPanel a, double const* x, double* y)
 {
-    gemm(m, 1, n, alpha, a, {x, n}, true, {y, m});
+    gemm(1, m, 1, n, alpha, a, {x, n}, true, {y, m});
 }
 
 double dot(int n, double const* x, double const* y)

@@ -236,8 +236,8 @@ TEST(MatrixProduct, PlainLoopsAgreeWithPlainerOnes)
     int const sizes[][3] = {{1, 1, 1}, {3, 2, 5}, {130, 7, 70}, {129, 33, 65}, {190, 1, 99}};
     for (auto const& [m, n, k] : sizes) {
         std::vector<double> z(static_cast<std::size_t>(197 * n), 7), by_column(static_cast<std::size_t>(m), 7), by_row(static_cast<std::size_t>(n), 7);
-        arrlib::plain_blas.gemm(m, n, k, 1, x, y, false, {z.data(), 197});
-        arrlib::plain_blas.gemm(m, n, k, -3, x, y, true, {z.data(), 197});
+        arrlib::plain_blas.gemm(1, m, n, k, 1, x, y, false, {z.data(), 197});
+        arrlib::plain_blas.gemm(1, m, n, k, -3, x, y, true, {z.data(), 197});
         arrlib::plain_blas.gemv(m, k, -1, x, y.at, by_column.data());
         arrlib::plain_blas.gemv_transposed(k, n, -1, y, x.at, by_row.data());
         for (int j = 0; j < n; ++j)
