@@ -270,7 +270,7 @@ bool write_full(M<double> const& matrix, HeapArray<char> const& buffer, platform
         PageText const text(matrix.addr() + page, matrix.rows(), matrix.cols());
         for (std::int64_t at = 0; at < in_page; at += in_buffer) {
             std::int64_t const end = std::min(in_page, at + in_buffer);
-            parallel_for(end - at, least_shared, [&](std::ptrdiff_t from, std::ptrdiff_t to) { text.write(buffer.data() + text.length(at, at + from), at + from, at + to); });
+            parallel_for(static_cast<std::ptrdiff_t>(end - at), least_shared, [&](std::ptrdiff_t from, std::ptrdiff_t to) { text.write(buffer.data() + text.length(at, at + from), at + from, at + to); });
             if (!file.write(buffer.data(), static_cast<std::size_t>(text.length(at, end))))
                 return false;
         }

@@ -127,7 +127,7 @@ TEST(Specfun, BesselFunctionsKeepTheirWronskians)
             double const limit = 1e-14 * std::max(1.0, std::abs(z));
             std::string const what = call("at", nu, z.real(), z.imag());
             Complex const decay = std::exp(-std::fabs(z.imag()) - unit * z), grow = std::exp(z - std::fabs(z.real()));
-            expect_sum(f(0, nu + 1) * f(4, nu), -f(0, nu) * f(4, nu + 1), unit * 2.0 / (M_PI * z) * decay, limit, what);
+            expect_sum(f(0, nu + 1) * f(4, nu), -f(0, nu) * f(4, nu + 1), unit * 2.0 / (pi[1] * z) * decay, limit, what);
             expect_sum(f(2, nu) * f(3, nu + 1), f(2, nu + 1) * f(3, nu), grow / z, limit, what);
             expect_sum(f(1, nu - 1), f(1, nu + 1), 2 * nu / z * f(1, nu), 1e-14, what);
         }
