@@ -1,17 +1,23 @@
 // The bounds-checking element accessors r() and i().
 #include "core/matrix.h"
 
+#include "core/sparse_build.h"
 #include "runtime/errors.h"
 #include "runtime/report.h"
 
 #include <algorithm>
+#include <exception>
 #include <type_traits>
+#include <utility>
 
 using namespace arrlib;
 
 namespace {
 
 constexpr char no_elements[1] = "";
+
+// Between make_writable and refuse().
+thread_local std::exception_ptr thrown_report;
 
 template <class T> [[noreturn]] void out_of_matrix(char const* format, M<T> const& matrix, ElementPart which, char const* index = no_elements)
 {
@@ -64,10 +70,8 @@ template <class T> T const& Elements<T>::readable(M<T> const& matrix, ElementPar
     T const* const parts = which == ElementPart::real ? matrix.re_ : matrix.im_;
     if constexpr (std::is_same_v<T, double>) {
         static constexpr double zero = 0;
-        if (matrix.issparse()) {
-            int const found = matrix.search(static_cast<int>(at));
-            return parts && found >= 0 ? parts[found] : zero;
-        }
+        if (matrix.issparse())
+            return parts ? *entry_or_zero(matrix.index_, matrix.nnz_, static_cast<int>(at), parts, &zero) : zero;
         if (!parts)
             return zero;
     } else if (!parts) {
@@ -76,14 +80,24 @@ template <class T> T const& Elements<T>::readable(M<T> const& matrix, ElementPar
     return parts[at];
 }
 
-template <class T> void Elements<T>::make_writable(M<T>& matrix)
+template <class T> bool Elements<T>::make_writable(M<T>& matrix) noexcept
 {
-    if (matrix.issparse())
-        matrix.getfull();
-    matrix.unshare();
-    // The report of a copy that failed has returned: there is nothing to refer to.
-    if (matrix.dirty() || matrix.issparse())
-        end_process();
+    try {
+        if (matrix.issparse())
+            matrix.getfull();
+        matrix.unshare();
+    } catch (...) {
+        thrown_report = std::current_exception();
+        return false;
+    }
+    return !matrix.dirty() && !matrix.issparse();
+}
+
+template <class T> void Elements<T>::refuse()
+{
+    if (thrown_report)
+        std::rethrow_exception(std::exchange(thrown_report, nullptr));
+    end_process();
 }
 
 template <class T> void Elements<T>::outside(M<T> const& matrix, double k)
@@ -106,7 +120,8 @@ template <class T> T& Elements<T>::writable(M<T>& matrix, ElementPart which, uns
     } else if (which == ElementPart::imaginary) {
         out_of_matrix("%s.%s(%s): idx out of matrix", matrix, which, IntegerText(static_cast<int>(at) + 1));
     }
-    make_writable(matrix);
+    if (!make_writable(matrix))
+        refuse();
     if (which == ElementPart::imaginary && !matrix.im_)
         end_process();
     return (which == ElementPart::real ? matrix.re_ : matrix.im_)[at];

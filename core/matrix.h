@@ -41,9 +41,12 @@ template <class T> struct ARRLIB_API Elements {
     static T const& read(M<T> const& matrix, ElementPart which, double row, double col);
     static T const& read(M<T> const& matrix, ElementPart which, double row, double col, double depth);
     static T const& read(M<T> const& matrix, ElementPart which);
-    // Gives the value storage of its own, in full form: references need a place to refer to. Ends
-    // the process when that cannot be had.
-    ARRLIB_COLD static void make_writable(M<T>& matrix);
+    // Gives the value storage of its own, in full form: references need a place to refer to. False when
+    // that cannot be had, with what was thrown kept for refuse(): around a call that may throw no number
+    // stays in a register, in every loop over elements.
+    ARRLIB_COLD static bool make_writable(M<T>& matrix) noexcept;
+    // Throws what make_writable kept, or ends the process: there is nothing to refer to.
+    [[noreturn]] ARRLIB_COLD static void refuse();
     // Reports the real part that is not there.
     [[noreturn]] ARRLIB_COLD static void outside(M<T> const& matrix, double k);
     [[noreturn]] ARRLIB_COLD static void outside(M<T> const& matrix, double row, double col);
@@ -437,6 +440,9 @@ private:
         }
         return false;
     }
+    // The fields of a real value of one element in a chunk of the pool, but for its flags and the two
+    // pointers that are null.
+    void become_number(void* chunk, T value);
     // A real value of one element, through the slower half of the pool.
     ARRLIB_COLD void make_number(T const& value);
     void make(int complex, int sparse, int nzmax, int ndims, int const* dims);
@@ -459,7 +465,12 @@ private:
         index_ = nullptr;
         flags_ &= static_cast<unsigned>(kept_marks);
     }
-    void drop_storage() { StorageRef const last(*this); }
+    // The end of the value: its fields are read no more, and only where the storage goes with it.
+    void drop_storage()
+    {
+        if (ARRLIB_LIKELY(shared_ != nullptr) && arrlib::drop_reference(shared_))
+            arrlib::Storage<T>::release(re_, shared_, index_, capacity_);
+    }
     ARRLIB_COLD void destroy_named();
     ARRLIB_COLD void register_named();
 
@@ -499,16 +510,16 @@ private:
     bool in_place() const { return !issparse() && !dirty(); }
     T& element(unsigned at, double k)
     {
-        if (ARRLIB_UNLIKELY(!in_place()))
-            elements::make_writable(*this);
+        if (ARRLIB_UNLIKELY(!in_place()) && !elements::make_writable(*this))
+            elements::refuse();
         if (ARRLIB_UNLIKELY(at >= static_cast<unsigned>(nnz_)))
             elements::outside(*this, k);
         return re_[at];
     }
     T& element(unsigned i, unsigned j, double row, double col)
     {
-        if (ARRLIB_UNLIKELY(!in_place()))
-            elements::make_writable(*this);
+        if (ARRLIB_UNLIKELY(!in_place()) && !elements::make_writable(*this))
+            elements::refuse();
         if (ARRLIB_UNLIKELY(i >= static_cast<unsigned>(dims_[0]) || j >= static_cast<unsigned>(dims_[1])))
             elements::outside(*this, row, col);
         return re_[static_cast<std::size_t>(j) * static_cast<unsigned>(dims_[0]) + i];
@@ -527,16 +538,10 @@ private:
 
 template <> ARRLIB_API void M<double>::make_number(double const& value);
 
-template <> inline M<double>::M(double const& value) : MObject(nullptr), im_(nullptr), index_(nullptr)
+template <> inline void M<double>::become_number(void* chunk, double value)
 {
     using Storage = arrlib::Storage<double>;
-    void* const chunk = arrlib::pool.take_chunk();
-    if (ARRLIB_UNLIKELY(!chunk)) {
-        make_number(value);
-        return;
-    }
     // All constants: the compiler writes the fields in a few pieces.
-    flags_ = scalar_variable_mark;
     ndims_ = 2;
     dims_[0] = dims_[1] = dims_[2] = dims_[3] = 1;
     capacity_ = Storage::scalar_capacity;
@@ -545,6 +550,17 @@ template <> inline M<double>::M(double const& value) : MObject(nullptr), im_(nul
     shared_ = block.record;
     re_ = block.re;
     re_[0] = value;
+}
+
+template <> inline M<double>::M(double const& value) : MObject(nullptr), im_(nullptr), index_(nullptr)
+{
+    void* const chunk = arrlib::pool.take_chunk();
+    if (ARRLIB_UNLIKELY(!chunk)) {
+        make_number(value);
+        return;
+    }
+    flags_ = scalar_variable_mark;
+    become_number(chunk, value);
 }
 
 template <> inline M<double>::M(M& number, double const& value, arrlib::in_its_storage)

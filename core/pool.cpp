@@ -33,10 +33,12 @@ void* start_of_moved(void* block)
 
 } // namespace
 
-constinit Pool pool;
+// Pages of it are touched as blocks come.
+static constinit Pool::Slots slots = {};
+constinit Pool pool(slots);
 
-// Takes one more block from the heap and links its chunks in address order. Answers null, or what
-// went wrong.
+// Takes one more block from the heap; its chunks will be handed out in address order. Answers null, or
+// what went wrong.
 char const* Pool::add_block()
 {
     if (last_block_ + 1 >= max_blocks)
@@ -45,11 +47,11 @@ char const* Pool::add_block()
     if (!block)
         return messages::pool_out_of_memory;
     blocks_[++last_block_] = block;
-    for (std::size_t offset = 0; offset < block_size; offset += chunk_size) {
-        Chunk* const chunk = reinterpret_cast<Chunk*>(block + offset);
-        chunk->next = offset + chunk_size < block_size ? reinterpret_cast<Chunk*>(block + offset + chunk_size) : nullptr;
-    }
-    free_ = reinterpret_cast<Chunk*>(block);
+    void** top = true_top();
+    for (std::size_t offset = block_size; offset > 0; offset -= chunk_size)
+        *top++ = block + offset - chunk_size;
+    set_true_top(top);
+    open_or_close();
     ASAN_POISON_MEMORY_REGION(block, block_size);
     return nullptr;
 }
@@ -68,15 +70,11 @@ void* Pool::allocate_slow(std::size_t size)
     } else {
         // Reports run hooks, and hooks may allocate: never report with the lock held.
         LockGuard const guard(Lock::pool);
-        if (!free_)
+        if (true_top() == first_)
             problem = add_block();
         if (!problem) {
-            Chunk* const chunk = free_;
-            ASAN_UNPOISON_MEMORY_REGION(chunk, sizeof(Chunk));
-            free_ = chunk->next;
-            ASAN_POISON_MEMORY_REGION(chunk, sizeof(Chunk));
-            ++outstanding_;
-            start = chunk;
+            start = true_top()[-1];
+            set_true_top(true_top() - 1);
         }
     }
     if (problem) {
@@ -88,7 +86,7 @@ void* Pool::allocate_slow(std::size_t size)
         ASAN_UNPOISON_MEMORY_REGION(start, size + sizeof alignment_mark);
         std::memcpy(start, alignment_mark, sizeof alignment_mark);
         moved_blocks_ = true;
-        set_threaded(__atomic_load_n(&threaded_, __ATOMIC_RELAXED));
+        open_or_close();
         return static_cast<char*>(start) + sizeof alignment_mark;
     }
     ASAN_UNPOISON_MEMORY_REGION(start, size);
@@ -105,19 +103,36 @@ void Pool::release_slow(void* block, std::size_t size) noexcept
         return;
     }
     LockGuard const guard(Lock::pool);
-    Chunk* const chunk = static_cast<Chunk*>(start);
-    ASAN_UNPOISON_MEMORY_REGION(chunk, chunk_size);
-    chunk->next = free_;
-    free_ = chunk;
-    ASAN_POISON_MEMORY_REGION(chunk, chunk_size);
-    if (--outstanding_ == 0)
+    ASAN_POISON_MEMORY_REGION(start, chunk_size);
+    void** const top = true_top();
+    *top = start;
+    set_true_top(top + 1);
+    if (outstanding() == 0)
         give_back_blocks();
+}
+
+void Pool::set_true_top(void** top)
+{
+    if (closed_)
+        parked_ = top;
+    else
+        top_ = top;
 }
 
 void Pool::set_threaded(bool on)
 {
-    __atomic_store_n(&threaded_, on, __ATOMIC_RELAXED);
-    __atomic_store_n(&plain_, on || moved_blocks_ ? 0 : 1, __ATOMIC_RELEASE);
+    threaded_ = on;
+    open_or_close();
+}
+
+// Also moves the limit to where the blocks have it.
+void Pool::open_or_close()
+{
+    void** const top = true_top();
+    closed_ = threaded_ || moved_blocks_;
+    parked_ = top;
+    __atomic_store_n(&top_, closed_ ? first_ : top, __ATOMIC_RELEASE);
+    __atomic_store_n(&limit_, closed_ ? first_ : first_ + all_chunks() - 1, __ATOMIC_RELEASE);
 }
 
 void Pool::give_back_blocks()
@@ -127,7 +142,8 @@ void Pool::give_back_blocks()
         platform::heap_release(blocks_[last_block_]);
         blocks_[last_block_] = nullptr;
     }
-    free_ = nullptr;
+    set_true_top(first_);
+    open_or_close();
 }
 
 } // namespace arrlib

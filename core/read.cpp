@@ -460,27 +460,21 @@ template <class T> M<T> arrlib::read(Sr<T> const& selection)
 
 template <> M<double>::M(Mr<double> const& selection) : M(arrlib::read(selection)) {}
 template <> M<M<double>>::M(Mr<M<double>> const& selection) : M(arrlib::read(selection)) {}
-namespace {
-
-// Storage with one element of a real value, the commonest read of all; none for any other selection.
-StorageBlock<double> single_element(Sr<double> const& selection)
+// The commonest read of all makes its number at once.
+template <> M<double>::M(Sr<double> const& selection) : MObject(nullptr), im_(nullptr), index_(nullptr)
 {
-    M<double> const& target = selection.target();
+    M const& target = selection.target();
     int const position = selection.count() > 0 ? position_of(selection) : -1;
-    if (ARRLIB_UNLIKELY(position < 0 || target.isc()))
-        return {};
-    auto const at = static_cast<unsigned>(position);
-    return Storage<double>::take_scalar(target.issparse() ? Elements<double>::readable(target, ElementPart::real, at) : target.addr()[at]);
-}
-
-} // namespace
-
-template <> M<double>::M(Sr<double> const& selection) : M(single_element(selection), 1)
-{
-    if (ARRLIB_LIKELY(re_ != nullptr))
-        flags_ = selection.target().flags_ & (string_flag | logical_flag);
-    else
+    void* const chunk = ARRLIB_LIKELY(position >= 0 && !target.im_) ? pool.take_chunk() : nullptr;
+    if (ARRLIB_UNLIKELY(!chunk)) {
+        flags_ = 0;
+        forget_storage();
         *this = arrlib::read(selection);
+        return;
+    }
+    auto const at = static_cast<unsigned>(position);
+    become_number(chunk, ARRLIB_UNLIKELY(target.issparse()) ? Elements<double>::readable(target, ElementPart::real, at) : target.re_[at]);
+    flags_ = target.flags_ & (string_flag | logical_flag);
 }
 template <> M<M<double>>::M(Sr<M<double>> const& selection) : M(arrlib::read(selection)) {}
 

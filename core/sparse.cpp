@@ -76,29 +76,27 @@ int count_below(int const* index, int position)
     return below;
 }
 
-// Where a position should stand if the entries spread evenly, corrected twice by what stands there.
+// Where a position between the first and the last should stand if the entries spread evenly, corrected
+// twice by what stands there.
 int guessed_entry(int const* index, int count, int position)
 {
-    double const entries_per_position = (count - 1) / (static_cast<double>(index[count - 1]) - index[0]);
-    int guess = 0;
-    for (int step = 0; step < 3; ++step) {
-        double const next = guess + (static_cast<double>(position) - index[guess]) * entries_per_position;
-        guess = static_cast<int>(std::clamp(next, 0.0, count - 1.0));
+    double const sought = position, last = count - 1, first_position = index[0];
+    double const entries_per_position = last / (index[count - 1] - first_position);
+    int guess = static_cast<int>((sought - first_position) * entries_per_position);
+    for (int step = 0; step < 2; ++step) {
+        double const next = guess + (sought - index[guess]) * entries_per_position;
+        guess = static_cast<int>(std::min(std::max(next, 0.0), last));
     }
     return guess;
 }
 
 } // namespace
 
-int arrlib::first_entry_from(int const* index, int count, int position, double const* values)
+int arrlib::first_entry_from(int const* index, int count, int position)
 {
     int first = 0, last = count;
     if (count > 2 * window && position > index[0] && position <= index[count - 1]) {
         int const begin = std::clamp(guessed_entry(index, count, position) - window / 2, 0, count - window);
-        // The value is as far away as the positions were: let both be fetched at once.
-        if (values)
-            for (int near = begin + window / 4; near < begin + window; near += 8)
-                __builtin_prefetch(values + near);
         int const below = count_below(index + begin, position);
         if (below > 0 && below < window)
             return begin + below;
@@ -172,10 +170,7 @@ template <class T> int M<T>::search(int position) const
 {
     if (!verify_sparse("search") || !index_)
         return -1;
-    double const* values = nullptr;
-    if constexpr (std::is_same_v<T, double>)
-        values = re_;
-    int const found = first_entry_from(index_, nnz_, position, values);
+    int const found = first_entry_from(index_, nnz_, position);
     return found < nnz_ && index_[found] == position ? found : -1;
 }
 

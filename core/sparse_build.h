@@ -5,6 +5,7 @@
 #include "core/access.h"
 #include "core/heap_array.h"
 
+#include <algorithm>
 #include <cstdint>
 
 namespace arrlib {
@@ -56,7 +57,17 @@ private:
 
 // Number of the first entry whose position is not below the one given; the positions rise. Faster
 // than binary search where they spread evenly.
-int first_entry_from(int const* index, int count, int position, double const* values = nullptr);
+int first_entry_from(int const* index, int count, int position);
+// The value of the entry at that position, or the zero given. Whether there is one is not branched on:
+// it cannot be foreseen, and a wrong guess would come to light only when all has been fetched.
+inline double const* entry_or_zero(int const* index, int count, int position, double const* values, double const* zero)
+{
+    if (ARRLIB_UNLIKELY(!index || count < 1))
+        return zero;
+    int const near = std::min(first_entry_from(index, count, position), count - 1);
+    double const* const choice[2] = {zero, values + near};
+    return choice[index[near] == position];
+}
 
 // Writes entries to the front of a value's storage, in the order given: zeros are dropped, an entry
 // at the place of the one before is added to it.

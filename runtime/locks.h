@@ -6,10 +6,10 @@
 
 namespace arrlib {
 
-// Reads an aligned int that another thread may write, where the read orders nothing: an atomic
-// operation would keep the compiler from holding anything in registers around it, in every
+// Reads an aligned int or pointer that another thread may write, where the read orders nothing: an
+// atomic operation would keep the compiler from holding anything in registers around it, in every
 // subscript of every loop. The thread sanitizer is told.
-inline int load_shared(int const& shared)
+template <class T> T load_shared(T const& shared)
 {
 #if defined(__SANITIZE_THREAD__)
     return __atomic_load_n(&shared, __ATOMIC_ACQUIRE);

@@ -5,15 +5,22 @@
 
 #include <cstdint>
 #include <cstring>
+#include <memory>
 
 using arrlib::Pool;
 using capture::Texts;
 
 namespace {
 
+struct OwnPool {
+    std::unique_ptr<Pool::Slots> slots = std::make_unique<Pool::Slots>();
+    Pool pool{*slots};
+};
+
 TEST(Pool, SmallRequestsTakeChunksAndLargeOnesTheHeap)
 {
-    Pool pool;
+    OwnPool own;
+    Pool& pool = own.pool;
     void* const small = pool.allocate(Pool::largest_small);
     EXPECT_EQ(pool.outstanding(), 1);
     void* const large = pool.allocate(Pool::largest_small + 1);
@@ -27,7 +34,8 @@ TEST(Pool, SmallRequestsTakeChunksAndLargeOnesTheHeap)
 TEST(Pool, EmptiesItselfWithItsLastChunkAndStartsAgain)
 {
     capture::FailingHeap const heap;
-    Pool pool;
+    OwnPool own;
+    Pool& pool = own.pool;
     std::vector<void*> taken;
     for (int k = 0; k < 300; ++k)
         taken.push_back(pool.allocate(100));
@@ -49,7 +57,8 @@ TEST(Pool, EmptiesItselfWithTheSwitchOn)
 {
     int const before = arrlib::multi_thread_switch;
     arrlib::multi_thread_switch = 1;
-    Pool pool;
+    OwnPool own;
+    Pool& pool = own.pool;
     for (int round = 0; round < 3; ++round)
         pool.release(pool.allocate(8), 8);
     EXPECT_EQ(pool.last_block(), -1);
@@ -70,7 +79,8 @@ void crooked_release(void* block)
 
 TEST(Pool, MovesBlocksToWholeDoubles)
 {
-    Pool pool;
+    OwnPool own;
+    Pool& pool = own.pool;
     arrlib::platform::set_heap(crooked_allocate, crooked_release);
     for (std::size_t size : {std::size_t{1}, Pool::largest_small, Pool::largest_small + 1, std::size_t{5000}}) {
         void* const first = pool.allocate(size);
@@ -91,7 +101,8 @@ TEST(Pool, MovesBlocksToWholeDoubles)
 TEST(Pool, ReportsWhatItCannotHaveAndGoesOn)
 {
     capture::Flags const flags(nx_default_error_flags);
-    Pool pool;
+    OwnPool own;
+    Pool& pool = own.pool;
     {
         capture::Reports const reports;
         capture::FailingHeap const heap(1);
@@ -119,7 +130,8 @@ TEST(Pool, HasAThousandAndTwentyFourBlocks)
 {
     capture::Flags const flags(nx_default_error_flags);
     capture::Reports const reports;
-    auto const pool = std::make_unique<Pool>();
+    OwnPool own;
+    Pool* const pool = &own.pool;
     std::vector<void*> taken;
     for (int k = 0; k < Pool::max_blocks * 128; ++k)
         taken.push_back(pool->allocate(64));
