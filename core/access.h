@@ -14,6 +14,19 @@ template <class T> struct Access {
     // A full value of the given shape with uninitialised elements; empty after a report.
     static M<T> full(bool complex, Dims const& shape) { return M<T>(complex, 0, 0, shape.ndims, shape.size); }
 
+    // A real full value of the shape of a full one.
+    static M<T> full_like(M<T> const& shape)
+    {
+        M<T> made = without_storage();
+        StorageBlock<T> const block = Storage<T>::take(shape.nnz_, false, false);
+        if (block.record) {
+            made.adopt(block, shape.nnz_);
+            made.ndims_ = shape.ndims_;
+            std::copy_n(shape.dims_, max_dims, made.dims_);
+        }
+        return made;
+    }
+
     // A full value of the given shape with room for `capacity` elements, for values that grow.
     static M<T> full_with_room(bool complex, Dims const& shape, int capacity)
     {

@@ -31,6 +31,25 @@ void* start_of_moved(void* block)
     return std::memcmp(start, alignment_mark, sizeof alignment_mark) == 0 ? start : block;
 }
 
+// Arrays from this size on begin with a line of the cache: vectors that lie across two lines cost twice.
+// The byte before them tells how far into their block they begin.
+constexpr std::size_t least_on_a_line = 1024;
+constexpr std::size_t line = 64;
+
+char* first_line_in(void* block)
+{
+    char* const start = static_cast<char*>(block);
+    std::size_t const into = line - reinterpret_cast<std::uintptr_t>(start) % line;
+    start[into - 1] = static_cast<char>(into);
+    return start + into;
+}
+
+void* start_of_block(void* first_line)
+{
+    char* const first = static_cast<char*>(first_line);
+    return first - first[-1];
+}
+
 } // namespace
 
 // Pages of it are touched as blocks come.
@@ -61,12 +80,15 @@ void* Pool::allocate_slow(std::size_t size)
     void* start = nullptr;
     char const* problem = nullptr;
     if (size > largest_small) {
-        if (size <= std::numeric_limits<std::size_t>::max() - 5)
-            start = platform::heap_allocate(size + 5);
+        std::size_t const beyond = size < least_on_a_line ? 5 : line;
+        if (size <= std::numeric_limits<std::size_t>::max() - beyond)
+            start = platform::heap_allocate(size + beyond);
         if (!start) {
             error(messages::out_of_memory);
             return nullptr;
         }
+        if (size >= least_on_a_line)
+            return first_line_in(start);
     } else {
         // Reports run hooks, and hooks may allocate: never report with the lock held.
         LockGuard const guard(Lock::pool);
@@ -95,6 +117,10 @@ void* Pool::allocate_slow(std::size_t size)
 
 void Pool::release_slow(void* block, std::size_t size) noexcept
 {
+    if (size >= least_on_a_line) {
+        platform::heap_release(start_of_block(block));
+        return;
+    }
     // A heap that answers addresses of 4 mod 8 keeps its own record in the four bytes before each
     // block, so they can be read.
     void* const start = moved_blocks_ ? start_of_moved(block) : block;

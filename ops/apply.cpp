@@ -5,6 +5,7 @@
 #include "core/sparse_build.h"
 #include "core/subscript.h"
 #include "ops/elementwise.h"
+#include "ops/elementwise_core.h"
 #include "ops/engine.h"
 #include "ops/matrix_product.h"
 #include "ops/operators.h"
@@ -75,6 +76,8 @@ M<double> through_engine(OpCode op, M<double>&& x, M<double>&& y)
 
 M<double> apply(OpCode op, M<double> const& x, Temporaries temporaries)
 {
+    if (goes_straight(op, x, zero_M))
+        return straight_elementwise(op, x, zero_M, temporaries);
     return through_engine(op, taken(x, temporaries & temporary_x), M<double>(zero_M));
 }
 
@@ -93,7 +96,7 @@ M<double> apply(OpCode op, M<double> const& x, M<double> const& y, Temporaries t
         default:
             break;
         }
-    return of_operands(op, x, y, temporaries);
+    return goes_straight(op, x, y) ? straight_elementwise(op, x, y, temporaries) : of_operands(op, x, y, temporaries);
 }
 
 M<double> multiply(M<double> const& x, M<double> const& y, Temporaries temporaries)

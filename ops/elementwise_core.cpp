@@ -10,6 +10,8 @@
 #include "runtime/errors.h"
 #include "runtime/workers.h"
 
+#include <algorithm>
+#include <atomic>
 #include <utility>
 
 namespace arrlib {
@@ -57,6 +59,16 @@ private:
         return {x.re + at, x.im ? x.im + at : nullptr, x.step};
     }
 };
+
+bool is_plain(M<double> const& x)
+{
+    return x.getnnz() > 0 && !x.isc() && !x.issparse();
+}
+
+bool is_real_for_real(ComplexRule rule)
+{
+    return rule == ComplexRule::never || rule == ComplexRule::with_x || rule == ComplexRule::with_either;
+}
 
 // Over all elements, or over the one of a scalar.
 ComplexOperand operand(M<double> const& x, bool scalar)
@@ -158,6 +170,28 @@ M<double> full_result(OpCode op, M<double>&& x, M<double>&& y, bool complex)
     return made;
 }
 
+// The real results of a full x whose elements decide whether they are real: each block is looked at just
+// before it is computed. Without storage when one of its elements has a complex result.
+M<double> real_result(OpCode op, ComplexRule rule, M<double> const& x)
+{
+    constexpr std::ptrdiff_t block = 1024;
+    M<double> made = Access<double>::full(false, Dims(max_dims, x.getdims()));
+    if (!has_storage(made))
+        return made;
+    Loop const loop(op, false, false);
+    std::atomic<bool> complex{false};
+    parallel_for(x.size(), least_per_thread, [&](std::ptrdiff_t from, std::ptrdiff_t to) {
+        for (; from < to && !complex.load(std::memory_order_relaxed); from += block) {
+            std::ptrdiff_t const n = std::min(block, to - from);
+            if (makes_complex(rule, x.addr() + from, n))
+                complex.store(true, std::memory_order_relaxed);
+            else
+                loop.run({x.addr() + from, nullptr, 1}, {}, made.addr() + from, nullptr, n);
+        }
+    });
+    return complex ? Access<double>::without_storage() : made;
+}
+
 // False after a report.
 bool make_full(M<double>& x)
 {
@@ -168,11 +202,43 @@ bool make_full(M<double>& x)
 
 } // namespace
 
+bool goes_straight(OpCode op, M<double> const& x, M<double> const& y)
+{
+    if (!is_plain(x) || !is_plain(y) || !(x.getnnz() == 1 || y.getnnz() == 1 || std::equal(x.getdims(), x.getdims() + max_dims, y.getdims())))
+        return false;
+    Operation const* const row = find_operation(op);
+    return row && row->kernels.real && is_real_for_real(row->complex);
+}
+
+M<double> straight_elementwise(OpCode op, M<double> const& x, M<double> const& y, Temporaries temporaries)
+{
+    bool const x_scalar = x.getnnz() == 1, y_scalar = y.getnnz() == 1;
+    M<double> const& like = y_scalar ? x : y;
+    int const count = like.getnnz();
+    // A temporary's elements stay where they are when its storage moves.
+    ComplexOperand const from_x = operand(x, x_scalar), from_y = operand(y, y_scalar);
+    M<double> made = (temporaries & temporary_x) && can_lend(x, count, false)   ? lent(std::move(const_cast<M<double>&>(x)), false)
+                     : (temporaries & temporary_y) && can_lend(y, count, false) ? lent(std::move(const_cast<M<double>&>(y)), false)
+                                                                                : Access<double>::full_like(like);
+    if (!has_storage(made))
+        return x_M;
+    Loop(op, false, false).run_on_all_threads(from_x, from_y, made.addr(), nullptr, count);
+    if (find_operation(op)->logical)
+        made.setlogical(1);
+    return made;
+}
+
 M<double> elementwise(OpCode op, M<double>&& x, M<double>&& y)
 {
     Operation const& row = *find_operation(op);
-    bool const complex = row.complex != ComplexRule::never && is_complex_result(row.complex, x, y);
     M<double> made = Access<double>::without_storage();
+    // Where the results may not take the place of the elements, a look ahead costs as much as they do.
+    if (depends_on_elements(row.complex) && is_plain(x) && y.size() == 1 && !can_lend(x, x.size(), false)) {
+        made = real_result(op, row.complex, x);
+        if (has_storage(made))
+            return made;
+    }
+    bool const complex = row.complex != ComplexRule::never && is_complex_result(row.complex, x, y);
     if (ARRLIB_UNLIKELY(x.issparse() || y.issparse())) {
         // A scalar is read as a full one.
         M<double>& scalar = y.size() == 1 ? y : x;

@@ -15,6 +15,10 @@ struct KernelSet {
     // Arrays; null where the loop over the one-element kernel serves.
     RealLoop real[op_count];
     ComplexLoop complex[op_count];
+    // Whether an element is below low or above high; or above low and below high. NaN is neither. 1 may not
+    // be what is looked for.
+    bool (*any_outside)(double const* x, std::ptrdiff_t n, double low, double high);
+    bool (*any_inside)(double const* x, std::ptrdiff_t n, double low, double high);
 };
 
 // The best kind that this processor has, or the one named by the environment variable

@@ -28,11 +28,10 @@ template <class V> LogParts<V> log_parts(V x)
     Bits const place = x.bits() + Bits(bias - log_first), steps = place.template down<48>();
     // The exponent's bits below those of 2^52 make a number of them.
     V const e = V::of(place.template down<52>() | V(0x1p52).bits()) - V(0x1p52 + 1024);
-    Bits const lift = Bits(bias) - (place & Bits(0xfff * one));
-    V const m = V::of(x.bits() + lift), c = pick(log_inverse, steps);
+    V const m = V::of((place & Bits(one - 1)) + Bits(log_first)), c = pick(log_inverse, steps);
     Pair<V> const product = product_of(m, c);
     // By 2^(1 - e) and a half, since 2^-e need not be a normal number.
-    return {e, product.hi - V(1.0), product.lo, c, V::of(V(2.0).bits() + lift), steps};
+    return {e, product.hi - V(1.0), product.lo, c, V::of(V(2.0).bits() + (m.bits() - x.bits())), steps};
 }
 
 // The logarithm as a pair, good to about 2^-66 of it; r and r_low in place of those of the parts.
@@ -63,15 +62,13 @@ template <class V> Pair<V> log_pair(V x, V low, V exponent)
 template <LogTable const& Table> struct LogToBase {
     template <class V> static V of(V x)
     {
-        typename V::Mask const normal = (x >= V(least_normal)) & (x < V(infinite)), other = !normal;
-        return other.any() ? of_any(x) : of_normal(x, V(0.0));
+        return within(x, V(least_normal), V(infinite)).all() ? of_parts(log_parts(x)) : of_any(x);
     }
 
 private:
-    template <class V> static V of_normal(V x, V exponent)
+    template <class V> static V of_parts(LogParts<V> parts)
     {
-        LogParts<V> const parts = log_parts(x);
-        V const e = parts.e + exponent, r = parts.r;
+        V const e = parts.e, r = parts.r;
         V const base = fma(e, V(Table.of_two[0]), pick(Table.step, parts.step));
         V const base_low = fma(e, V(Table.of_two[1]), pick(Table.step_low, parts.step));
         V const low = fma(r * r, polynomial(r, log_terms), fma(-r, parts.r_low, parts.r_low));
@@ -87,7 +84,9 @@ private:
     template <class V> ARRLIB_COLD static V of_any(V x)
     {
         typename V::Mask const tiny = x < V(least_normal);
-        V const result = of_normal(select(tiny, x * V(0x1p54), x), select(tiny, V(-54.0), V(0.0)));
+        LogParts<V> parts = log_parts(select(tiny, x * V(0x1p54), x));
+        parts.e = select(tiny, parts.e - V(54.0), parts.e);
+        V const result = of_parts(parts);
         V const special = select(x == V(0.0), V(-infinite), select(x > V(0.0), x, V(not_a_number)));
         return select((x > V(0.0)) & (x < V(infinite)), result, special);
     }

@@ -18,6 +18,11 @@ template <class Formula> constexpr void set_elementary(KernelSet& set, OpCode op
     set.unary[op] = unary_one<Formula>;
     set.real[op] = long_unary_loop<Formula>;
 }
+template <class Formula> constexpr void set_paired(KernelSet& set, OpCode op)
+{
+    set.unary[op] = unary_one<Formula>;
+    set.real[op] = paired_unary_loop<Formula>;
+}
 template <class Formula> constexpr void set_elementary_binary(KernelSet& set, OpCode op)
 {
     set.binary[op] = binary_one<Formula>;
@@ -28,6 +33,8 @@ constexpr KernelSet kernels_of_this_kind(char const* kind)
 {
     KernelSet set{};
     set.kind = kind;
+    set.any_outside = any_element<Outside>;
+    set.any_inside = any_element<Inside>;
 
     set_elementary<Acos>(set, op_acos);
     set_elementary<Acosh>(set, op_acosh);
@@ -41,19 +48,19 @@ constexpr KernelSet kernels_of_this_kind(char const* kind)
     set_elementary<Asinh>(set, op_asinh);
     set_elementary<Atan>(set, op_atan);
     set_elementary<Atanh>(set, op_atanh);
-    set_elementary<Cos>(set, op_cos);
+    set_paired<Cos>(set, op_cos);
     set_elementary<Cosh>(set, op_cosh);
     set_elementary<Cot>(set, op_cot);
     set_elementary<Coth>(set, op_coth);
     set_elementary<Csc>(set, op_csc);
     set_elementary<Csch>(set, op_csch);
-    set_elementary<Exp>(set, op_exp);
-    set_elementary<Log>(set, op_log);
+    set_paired<Exp>(set, op_exp);
+    set_paired<Log>(set, op_log);
     set_elementary<Log10>(set, op_log10);
     set_elementary<Log2>(set, op_log2);
     set_elementary<Sec>(set, op_sec);
     set_elementary<Sech>(set, op_sech);
-    set_elementary<Sin>(set, op_sin);
+    set_paired<Sin>(set, op_sin);
     set_elementary<Sinc>(set, op_sinc);
     set_elementary<Sinh>(set, op_sinh);
     set_elementary<Sqrt>(set, op_sqrt);

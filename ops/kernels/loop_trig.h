@@ -48,25 +48,36 @@ template <class V> Reduced<V> reduce_lane_by_lane(V x)
         }
     return {V::load(hi), V::load(lo), V::load(quarters).bits()};
 }
-// What the formula makes of the angle and what it is reduced to. Out of line the formula stands once
-// more: the compiler would keep the reduced angles in memory if they came from there at times.
-template <class Formula, class V> ARRLIB_COLD V of_huge_angle(V x) { return Formula::of(x, reduce_lane_by_lane(x)); }
+// Below this the sine is the angle, and the cosine is 1.
+constexpr double least_angle = 0x1p-30;
+
+// What the formula makes of angles of which some are huge, or so small that it has another form for them.
+// Out of line the formula stands once more: the compiler would keep the reduced angles in memory if they
+// came from elsewhere at times.
+template <class Formula, class V> ARRLIB_COLD V of_unusual_angle(V x)
+{
+    V const size = abs(x);
+    V const result = Formula::of_reduced((size < V(least_huge_angle)).all() ? reduce(x) : reduce_lane_by_lane(x));
+    if constexpr (requires { Formula::of_small(x); })
+        return select(size < V(least_angle), Formula::of_small(x), result);
+    else
+        return result;
+}
 template <class Formula, class V> V of_angle(V x)
 {
-    Reduced<V> const reduced = reduce(x);
-    typename V::Mask const huge = !(abs(x) < V(least_huge_angle));
-    return huge.any() ? of_huge_angle<Formula>(x) : Formula::of(x, reduced);
+    constexpr double least_usual = requires { Formula::of_small(x); } ? least_angle : 0;
+    return within(abs(x), V(least_usual), V(least_huge_angle)).all() ? Formula::of_reduced(reduce(x)) : of_unusual_angle<Formula>(x);
 }
 
 // sin(x + quarters pi/2) but for the sign: a value and a correction of a fifth of it at most. Odd
 // quarters want the cosine.
 template <class V> Pair<V> sine_parts(V hi, V lo, typename V::Bits quarters)
 {
-    typename V::Mask const cosine = V::Mask::of(quarters & typename V::Bits(1));
+    typename V::Mask const cosine = V::Mask::of(quarters, typename V::Bits(1));
     V const square = hi * hi, square_low = fma(hi, hi, -square), rest = fma(square, V(-0.5), V(1.0));
-    V terms = pick(sin_terms[5], cos_terms[5], quarters);
-    for (std::size_t k = 5; k-- > 0;)
-        terms = fma(terms, square, pick(sin_terms[k], cos_terms[k], quarters));
+    auto const term = [&](std::size_t k) { return pick(sin_terms[k], cos_terms[k], quarters); };
+    V const fourth = square * square;
+    V const terms = fma(fma(fma(term(5), square, term(4)), fourth, fma(term(3), square, term(2))), fourth, fma(term(1), square, term(0)));
     V const lost = fma(square_low, V(-0.5), fma(square, V(-0.5), V(1.0) - rest));
     V const correction = fma(lo, select(cosine, -hi, rest), select(cosine, lost, V(0.0)));
     return {select(cosine, rest, hi), fma(square * select(cosine, square, hi), terms, correction)};
@@ -74,42 +85,43 @@ template <class V> Pair<V> sine_parts(V hi, V lo, typename V::Bits quarters)
 // sin(x + quarters pi/2), and as a pair.
 template <class V> V sine(Reduced<V> angle, unsigned quarters)
 {
-    typename V::Bits const all = angle.quarters + typename V::Bits(quarters), sign = (all & typename V::Bits(2)).template up<62>();
+    typename V::Bits const all = angle.quarters + typename V::Bits(quarters), sign = all.template up<62>() & typename V::Bits(std::uint64_t{1} << 63);
     return V::of(sine_parts(angle.hi, angle.lo, all).value().bits() ^ sign);
 }
 template <class V> Pair<V> sine_pair(Reduced<V> angle, unsigned quarters)
 {
-    typename V::Bits const all = angle.quarters + typename V::Bits(quarters), sign = (all & typename V::Bits(2)).template up<62>();
+    typename V::Bits const all = angle.quarters + typename V::Bits(quarters), sign = all.template up<62>() & typename V::Bits(std::uint64_t{1} << 63);
     Pair<V> const parts = sine_parts(angle.hi, angle.lo, all), sum = sum_of_ordered(parts.hi, parts.lo);
     return {V::of(sum.hi.bits() ^ sign), V::of(sum.lo.bits() ^ sign)};
 }
 
-// Below this the sine is the angle, and the cosine is 1.
-constexpr double least_angle = 0x1p-30;
-
 struct Sin {
     template <class V> static V of(V x) { return of_angle<Sin>(x); }
-    template <class V> static V of(V x, Reduced<V> angle) { return select(abs(x) < V(least_angle), x, sine(angle, 0)); }
+    template <class V> static V of_reduced(Reduced<V> angle) { return sine(angle, 0); }
+    template <class V> static V of_small(V x) { return x; }
 };
 struct Cos {
     template <class V> static V of(V x) { return of_angle<Cos>(x); }
-    template <class V> static V of(V, Reduced<V> angle) { return sine(angle, 1); }
+    template <class V> static V of_reduced(Reduced<V> angle) { return sine(angle, 1); }
 };
 struct Tan {
     template <class V> static V of(V x) { return of_angle<Tan>(x); }
-    template <class V> static V of(V x, Reduced<V> angle) { return select(abs(x) < V(least_angle), x, (sine_pair(angle, 0) / sine_pair(angle, 1)).value()); }
+    template <class V> static V of_reduced(Reduced<V> angle) { return (sine_pair(angle, 0) / sine_pair(angle, 1)).value(); }
+    template <class V> static V of_small(V x) { return x; }
 };
 struct Cot {
     template <class V> static V of(V x) { return of_angle<Cot>(x); }
-    template <class V> static V of(V x, Reduced<V> angle) { return select(abs(x) < V(least_angle), V(1.0) / x, (sine_pair(angle, 1) / sine_pair(angle, 0)).value()); }
+    template <class V> static V of_reduced(Reduced<V> angle) { return (sine_pair(angle, 1) / sine_pair(angle, 0)).value(); }
+    template <class V> static V of_small(V x) { return V(1.0) / x; }
 };
 struct Sec {
     template <class V> static V of(V x) { return of_angle<Sec>(x); }
-    template <class V> static V of(V, Reduced<V> angle) { return reciprocal(sine_pair(angle, 1)).value(); }
+    template <class V> static V of_reduced(Reduced<V> angle) { return reciprocal(sine_pair(angle, 1)).value(); }
 };
 struct Csc {
     template <class V> static V of(V x) { return of_angle<Csc>(x); }
-    template <class V> static V of(V x, Reduced<V> angle) { return select(abs(x) < V(least_angle), V(1.0) / x, reciprocal(sine_pair(angle, 0)).value()); }
+    template <class V> static V of_reduced(Reduced<V> angle) { return reciprocal(sine_pair(angle, 0)).value(); }
+    template <class V> static V of_small(V x) { return V(1.0) / x; }
 };
 struct Sinc {
     template <class V> static V of(V x)

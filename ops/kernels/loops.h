@@ -4,7 +4,7 @@
 #define ARRLIB_OPS_KERNELS_LOOPS_H
 
 #include "ops/kernels/kernel.h"
-#include "ops/kernels/vector.h"
+#include "ops/kernels/vector_two.h"
 
 namespace arrlib {
 namespace {
@@ -32,6 +32,19 @@ private:
     double same_[V::count];
 };
 
+// Operands whose form the loop knows: an array, and a scalar.
+template <class V> struct ArrayOf {
+    double const* at;
+
+    V operator()(std::ptrdiff_t k) const { return V::load(at + k); }
+    V operator()(std::ptrdiff_t k, std::ptrdiff_t n) const { return V::load(at + k, static_cast<int>(n)); }
+};
+template <class V> struct ScalarOf {
+    V all;
+
+    V operator()(std::ptrdiff_t, std::ptrdiff_t = 0) const { return all; }
+};
+
 // Loops of few instructions: full vectors, then the rest.
 template <class Formula, class... Sources> void short_loop(double* z, std::ptrdiff_t n, Sources const&... x)
 {
@@ -54,23 +67,68 @@ template <class Formula, class... Sources> void long_loop(double* z, std::ptrdif
     }
 }
 
+// The same, two vectors at a time while there are two.
+template <class Formula> void paired_loop(double* z, std::ptrdiff_t n, RealOperand x)
+{
+    using Two = Two<Wide>;
+    std::ptrdiff_t k = 0;
+    if (x.step == 1)
+        for (; k + Two::count <= n; k += Two::count)
+            Formula::of(Two::load(x.at + k)).store(z + k);
+    if (k < n)
+        long_loop<Formula>(z + k, n - k, Source<Wide>({x.at + k * x.step, x.step}));
+}
+
 // The formulas are inlined whole: passing vectors in memory costs as much as computing with them.
 template <class Formula> [[gnu::flatten]] void unary_loop(RealOperand x, RealOperand, double* z, std::ptrdiff_t n)
 {
-    short_loop<Formula>(z, n, Source<Wide>(x));
+    if (x.step)
+        short_loop<Formula>(z, n, ArrayOf<Wide>{x.at});
+    else
+        short_loop<Formula>(z, n, ScalarOf<Wide>{*x.at});
 }
 template <class Formula> [[gnu::flatten]] void binary_loop(RealOperand x, RealOperand y, double* z, std::ptrdiff_t n)
 {
-    short_loop<Formula>(z, n, Source<Wide>(x), Source<Wide>(y));
+    if (x.step && y.step)
+        short_loop<Formula>(z, n, ArrayOf<Wide>{x.at}, ArrayOf<Wide>{y.at});
+    else if (x.step)
+        short_loop<Formula>(z, n, ArrayOf<Wide>{x.at}, ScalarOf<Wide>{*y.at});
+    else if (y.step)
+        short_loop<Formula>(z, n, ScalarOf<Wide>{*x.at}, ArrayOf<Wide>{y.at});
+    else
+        short_loop<Formula>(z, n, ScalarOf<Wide>{*x.at}, ScalarOf<Wide>{*y.at});
 }
 template <class Formula> [[gnu::flatten]] void long_unary_loop(RealOperand x, RealOperand, double* z, std::ptrdiff_t n)
 {
     long_loop<Formula>(z, n, Source<Wide>(x));
 }
+template <class Formula> [[gnu::flatten]] void paired_unary_loop(RealOperand x, RealOperand, double* z, std::ptrdiff_t n)
+{
+    paired_loop<Formula>(z, n, x);
+}
 template <class Formula> [[gnu::flatten]] void long_binary_loop(RealOperand x, RealOperand y, double* z, std::ptrdiff_t n)
 {
     long_loop<Formula>(z, n, Source<Wide>(x), Source<Wide>(y));
 }
+
+// Whether a test holds for any element, once all have been looked at. It must not hold for 1, which stands
+// for what a last vector lacks.
+template <class Test> [[gnu::flatten]] bool any_element(double const* x, std::ptrdiff_t n, double low, double high)
+{
+    typename Wide::Mask found = Wide(1.0) != Wide(1.0);
+    std::ptrdiff_t k = 0;
+    for (; k + Wide::count <= n; k += Wide::count)
+        found = found | Test::of(Wide::load(x + k), Wide(low), Wide(high));
+    if (Wide::count > 1 && k < n)
+        found = found | Test::of(Wide::load(x + k, static_cast<int>(n - k)), Wide(low), Wide(high));
+    return found.any();
+}
+struct Outside {
+    template <class V> static typename V::Mask of(V x, V low, V high) { return (x < low) | (x > high); }
+};
+struct Inside {
+    template <class V> static typename V::Mask of(V x, V low, V high) { return (x > low) & (x < high); }
+};
 
 template <class Formula> [[gnu::flatten]] double unary_one(double x) { return Formula::of(Lane(x)).v; }
 template <class Formula> [[gnu::flatten]] double binary_one(double x, double y) { return Formula::of(Lane(x), Lane(y)).v; }

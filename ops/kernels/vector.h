@@ -40,11 +40,12 @@ struct LaneMask {
     LaneMask operator&(LaneMask o) const { return {v && o.v}; }
     LaneMask operator|(LaneMask o) const { return {v || o.v}; }
     LaneMask operator!() const { return {!v}; }
-    // Whether any lane is set; the lanes as bits.
+    // Whether any lane is set, or all; the lanes as bits.
     bool any() const { return v; }
+    bool all() const { return v; }
     unsigned lanes() const { return v; }
-    // Lanes with a bit set in `bits`.
-    static LaneMask of(LaneBits bits) { return {bits.v != 0}; }
+    // Lanes in which one of the bits `among` is set.
+    static LaneMask of(LaneBits bits, LaneBits among) { return {(bits.v & among.v) != 0}; }
 };
 
 struct Lane {
@@ -79,6 +80,8 @@ struct Lane {
 // a b + c, rounded once.
 inline Lane fma(Lane a, Lane b, Lane c) { return fused(a.v, b.v, c.v); }
 inline Lane select(LaneMask which, Lane yes, Lane no) { return which.v ? yes : no; }
+// low <= x < high.
+inline LaneMask within(Lane x, Lane low, Lane high) { return (x >= low) & (x < high); }
 inline Lane abs(Lane x) { return __builtin_fabs(x.v); }
 inline Lane sqrt(Lane x) { return __builtin_sqrt(x.v); }
 inline Lane floor(Lane x) { return __builtin_floor(x.v); }

@@ -29,10 +29,11 @@ struct WideMask {
     WideMask operator|(WideMask o) const { return {_mm256_or_pd(v, o.v)}; }
     WideMask operator!() const { return {_mm256_xor_pd(v, _mm256_castsi256_pd(_mm256_set1_epi64x(-1)))}; }
     bool any() const { return _mm256_movemask_pd(v) != 0; }
+    bool all() const { return _mm256_movemask_pd(v) == 15; }
     unsigned lanes() const { return static_cast<unsigned>(_mm256_movemask_pd(v)); }
-    static WideMask of(WideBits bits)
+    static WideMask of(WideBits bits, WideBits among)
     {
-        __m256d const none = _mm256_castsi256_pd(_mm256_cmpeq_epi64(bits.v, _mm256_setzero_si256()));
+        __m256d const none = _mm256_castsi256_pd(_mm256_cmpeq_epi64(_mm256_and_si256(bits.v, among.v), _mm256_setzero_si256()));
         return !WideMask{none};
     }
 };
@@ -77,6 +78,7 @@ private:
 
 inline Wide fma(Wide a, Wide b, Wide c) { return _mm256_fmadd_pd(a.v, b.v, c.v); }
 inline Wide select(WideMask which, Wide yes, Wide no) { return _mm256_blendv_pd(no.v, yes.v, which.v); }
+inline WideMask within(Wide x, Wide low, Wide high) { return (x >= low) & (x < high); }
 inline Wide abs(Wide x) { return _mm256_andnot_pd(_mm256_set1_pd(-0.0), x.v); }
 inline Wide sqrt(Wide x) { return _mm256_sqrt_pd(x.v); }
 inline Wide floor(Wide x) { return _mm256_floor_pd(x.v); }
@@ -88,7 +90,7 @@ template <std::size_t Size> Wide pick(double const (&table)[Size], WideBits at)
 {
     return _mm256_i64gather_pd(table, (at & WideBits(Size - 1)).v, 8);
 }
-inline Wide pick(double even, double odd, WideBits at) { return select(WideMask::of(at & WideBits(1)), odd, even); }
+inline Wide pick(double even, double odd, WideBits at) { return select(WideMask::of(at, WideBits(1)), odd, even); }
 inline Wide scale(Wide x, Wide n)
 {
     // 2^e by the exponent field: e + 1023 stands at the low end of the sum.

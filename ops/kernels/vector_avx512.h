@@ -28,8 +28,9 @@ struct WideMask {
     WideMask operator|(WideMask o) const { return {_kor_mask8(v, o.v)}; }
     WideMask operator!() const { return {_knot_mask8(v)}; }
     bool any() const { return v != 0; }
+    bool all() const { return _kortestc_mask8_u8(v, v) != 0; }
     unsigned lanes() const { return v; }
-    static WideMask of(WideBits bits) { return {_mm512_test_epi64_mask(bits.v, bits.v)}; }
+    static WideMask of(WideBits bits, WideBits among) { return {_mm512_test_epi64_mask(bits.v, among.v)}; }
 };
 
 struct Wide {
@@ -69,6 +70,10 @@ constexpr __mmask8 all = 255;
 
 inline Wide fma(Wide a, Wide b, Wide c) { return _mm512_fmadd_pd(a.v, b.v, c.v); }
 inline Wide select(WideMask which, Wide yes, Wide no) { return _mm512_mask_blend_pd(which.v, no.v, yes.v); }
+inline WideMask within(Wide x, Wide low, Wide high)
+{
+    return {_mm512_mask_cmp_pd_mask(_mm512_cmp_pd_mask(x.v, low.v, _CMP_GE_OQ), x.v, high.v, _CMP_LT_OQ)};
+}
 inline Wide abs(Wide x) { return _mm512_abs_pd(x.v); }
 inline Wide sqrt(Wide x) { return _mm512_maskz_sqrt_pd(all, x.v); }
 // Without optimisation g++ has a macro for this, which converts the mask.

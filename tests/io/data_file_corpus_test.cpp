@@ -31,17 +31,21 @@ struct Outputs {
     {
         std::size_t count = 0;
         for (M<double> const& value : values)
-            count += !(value.size() == 1 && value.addr()[0] == untouched);
+            count += !is_untouched(value);
         return count;
     }
     // Nothing behind the first ones has been written to.
     bool in_order() const
     {
         for (std::size_t k = loaded(); k < values.size(); ++k)
-            if (!(values[k].size() == 1 && values[k].addr()[0] == untouched))
+            if (!is_untouched(values[k]))
                 return false;
         return true;
     }
+
+private:
+    // A sparse value may have room for an element that nobody has written.
+    static bool is_untouched(M<double> const& value) { return value.size() == 1 && !value.issparse() && value.addr()[0] == untouched; }
 };
 
 // The largest block that was asked for while it lives.
