@@ -25,7 +25,7 @@ ARRLIB_API M<double> divide(M<double> const& x, M<double> const& y, Temporaries 
 inline M<double> quotient(M<double> const& x, M<double> const& y, Temporaries temporaries)
 {
     if (ARRLIB_LIKELY(is_real_scalar(x) && is_real_scalar(y)))
-        return number_result<op_rdivide>(x, y, temporaries);
+        return number_result<op_rdivide>(x.addr()[0], y.addr()[0]);
     return divide(x, y, temporaries);
 }
 
@@ -41,7 +41,7 @@ inline M<double> operator/(M<double>&& x, double y) { return arrlib::fast<op_rdi
 inline M<double> operator/(double x, M<double> const& y)
 {
     if (ARRLIB_LIKELY(arrlib::is_real_scalar(y)))
-        return M<double>(x / y.addr()[0]);
+        return arrlib::number_result<op_rdivide>(x, y.addr()[0]);
     return mrdivide(M<double>(x), y);
 }
 inline M<double> operator/(double x, M<double>&& y) { return x / static_cast<M<double> const&>(y); }

@@ -21,8 +21,8 @@ template <class T> struct Access {
         StorageBlock<T> const block = Storage<T>::take(shape.nnz_, false, false);
         if (block.record) {
             made.adopt(block, shape.nnz_);
-            made.ndims_ = shape.ndims_;
-            std::copy_n(shape.dims_, max_dims, made.dims_);
+            made.form_.ndims = shape.form_.ndims;
+            std::copy_n(shape.form_.dims, max_dims, made.form_.dims);
         }
         return made;
     }
@@ -50,9 +50,9 @@ template <class T> struct Access {
         std::size_t const bytes = Storage<double>::bytes(static_cast<std::size_t>(capacity), false);
         if (void* const block = pool.allocate(bytes)) {
             made.adopt(Storage<double>::lay_out(block, bytes, capacity, false), count);
-            made.dims_[0] = rows;
-            made.dims_[1] = cols;
-            made.dims_[2] = made.dims_[3] = 1;
+            made.form_.dims[0] = rows;
+            made.form_.dims[1] = cols;
+            made.form_.dims[2] = made.form_.dims[3] = 1;
         }
         return made;
     }
@@ -75,8 +75,8 @@ template <class T> struct Access {
 
     static void set_dims(M<T>& matrix, Dims const& shape)
     {
-        matrix.ndims_ = shape.ndims;
-        std::copy_n(shape.size, max_dims, matrix.dims_);
+        matrix.form_.ndims = shape.ndims;
+        std::copy_n(shape.size, max_dims, matrix.form_.dims);
     }
 
     // New sizes in place; the storage has room for them and belongs to this value alone.
@@ -87,7 +87,8 @@ template <class T> struct Access {
     }
 
     static void drop_imaginary(M<T>& matrix) { matrix.im_ = nullptr; }
-    static int* index(M<T> const& matrix) { return matrix.index_; }
+    // Null for a full value.
+    static int* index(M<T> const& matrix) { return matrix.is_in_header() ? nullptr : matrix.index_; }
 
     // The string, logical and sparse flags of another value.
     static void copy_kind(M<T>& to, M<T> const& from)

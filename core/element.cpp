@@ -40,8 +40,8 @@ template <class T> unsigned Elements<T>::checked(M<T> const& matrix, ElementPart
 
 template <class T> unsigned Elements<T>::checked(M<T> const& matrix, ElementPart which, double row, double col)
 {
-    unsigned const i = M<T>::position(row), j = M<T>::position(col), rows = static_cast<unsigned>(matrix.dims_[0]);
-    if (i >= rows || j >= static_cast<unsigned>(matrix.dims_[1]))
+    unsigned const i = M<T>::position(row), j = M<T>::position(col), rows = static_cast<unsigned>(matrix.form_.dims[0]);
+    if (i >= rows || j >= static_cast<unsigned>(matrix.form_.dims[1]))
         out_of_matrix("%s.%s(row,col): row or col out of matrix", matrix, which);
     return j * rows + i;
 }
@@ -49,8 +49,8 @@ template <class T> unsigned Elements<T>::checked(M<T> const& matrix, ElementPart
 template <class T> unsigned Elements<T>::checked(M<T> const& matrix, ElementPart which, double row, double col, double depth)
 {
     unsigned const i = M<T>::position(row), j = M<T>::position(col), k = M<T>::position(depth);
-    unsigned const rows = static_cast<unsigned>(matrix.dims_[0]), cols = static_cast<unsigned>(matrix.dims_[1]);
-    if (i >= rows || j >= cols || k >= static_cast<unsigned>(matrix.dims_[2]))
+    unsigned const rows = static_cast<unsigned>(matrix.form_.dims[0]), cols = static_cast<unsigned>(matrix.form_.dims[1]);
+    if (i >= rows || j >= cols || k >= static_cast<unsigned>(matrix.form_.dims[2]))
         out_of_matrix("%s.%s(row,col,depth): row or col out of matrix", matrix, which);
     return (k * cols + j) * rows + i;
 }

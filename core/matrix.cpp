@@ -45,15 +45,18 @@ template <class T> char const* M<T>::classname() const
     return std::is_same_v<T, double> ? "double" : "cell_double";
 }
 
+constinit Form const arrlib::form_in_header = {scalar_mark, 2, {1, 1, 1, 1}, 1, 0};
+constinit Form const arrlib::form_in_chunk = {scalar_mark, 2, {1, 1, 1, 1}, Storage<double>::scalar_capacity, 0};
+
 template <class T> M<T>::M(global_M_t tag) : MObject(tag) {}
 
 template <> void M<double>::make_number(double const& value)
 {
     StorageBlock<double> const block = Storage<double>::take_scalar(value);
     int const one = block.re ? 1 : 0;
-    flags_ = 0;
-    ndims_ = 2;
-    dims_[0] = dims_[1] = dims_[2] = dims_[3] = one;
+    form_.flags = 0;
+    form_.ndims = 2;
+    form_.dims[0] = form_.dims[1] = form_.dims[2] = form_.dims[3] = one;
     adopt(block, one);
     mark_scalar_variable();
 }
@@ -78,14 +81,14 @@ template <class T> void M<T>::make(int complex, int sparse, int nzmax, int ndims
     if (!block.record)
         return;
     adopt(block, is_sparse ? std::min(stored, shape.count) : shape.count);
-    ndims_ = shape.ndims;
-    std::copy_n(shape.size, max_dims, dims_);
+    form_.ndims = shape.ndims;
+    std::copy_n(shape.size, max_dims, form_.dims);
     if (is_sparse) {
-        flags_ |= sparse_flag;
-        std::fill_n(index_, capacity_, 0);
-        Storage<T>::clear(re_, capacity_);
+        form_.flags |= sparse_flag;
+        std::fill_n(index_, form_.capacity, 0);
+        Storage<T>::clear(re_, form_.capacity);
         if (im_)
-            Storage<T>::clear(im_, capacity_);
+            Storage<T>::clear(im_, form_.capacity);
     }
 }
 
@@ -112,7 +115,7 @@ template <class T> void M<T>::register_named()
     if (!getname())
         return;
     if (scope_declares_globals()) {
-        flags_ |= global_mark;
+        form_.flags |= global_mark;
         if (MObject* const saved = variables_scope.take_saved(getname())) {
             // A saved value of the other kind gives way to the new variable.
             if (M* const value = dynamic_cast<M*>(saved))
@@ -121,17 +124,17 @@ template <class T> void M<T>::register_named()
         }
     }
     if (variables_scope.list(this))
-        flags_ |= listed_mark;
+        form_.flags |= listed_mark;
 }
 
 // The end of a variable that the scope or a debugger may know. A destructor cannot let an error
 // out, so one that is thrown here is reported instead.
 template <class T> void M<T>::destroy_named()
 {
-    if (flags_ & listed_mark)
+    if (form_.flags & listed_mark)
         variables_scope.forget(this);
     try {
-        if (flags_ & global_mark)
+        if (form_.flags & global_mark)
             variables_scope.save(new M(*this), getname());
     } catch (...) {
         show_error_in_flight();
@@ -145,7 +148,7 @@ template <class T> void M<T>::destroy_named()
 template <class T> void M<T>::create(char const* name)
 {
     setname(name);
-    flags_ = 0;
+    form_.flags = 0;
     forget_storage();
     make(0, 0, false);
 }
@@ -159,10 +162,10 @@ template <class T> void M<T>::deepcopy(int complex, int sparse, M const& source)
     if (!block.record)
         return;
     M made(unmade{}, nullptr);
-    made.flags_ = source.flags_ & (string_flag | logical_flag);
+    made.form_.flags = source.form_.flags & (string_flag | logical_flag);
     made.adopt(block, count);
-    made.ndims_ = source.ndims_;
-    std::copy_n(source.dims_, max_dims, made.dims_);
+    made.form_.ndims = source.form_.ndims;
+    std::copy_n(source.form_.dims, max_dims, made.form_.dims);
     made.setsparse(to_sparse);
     if constexpr (std::is_same_v<T, double>) {
         if (scatter) {
@@ -208,35 +211,35 @@ template <class T> int M<T>::getcomplex()
 template <class T> int M<T>::size(int dim) const
 {
     if (dim >= 1 && dim <= max_dims)
-        return dims_[dim - 1];
+        return form_.dims[dim - 1];
     error("%s.size(dim): no such dimension", OperandName(*this));
     return 0;
 }
 
 template <class T> int M<T>::length() const
 {
-    int const* const end = dims_ + max_dims;
-    return std::find(dims_, end, 0) != end ? 0 : *std::max_element(dims_, end);
+    int const* const end = form_.dims + max_dims;
+    return std::find(form_.dims, end, 0) != end ? 0 : *std::max_element(form_.dims, end);
 }
 
 template <class T> int M<T>::nsingleton() const
 {
     for (int d = 0; d < max_dims; ++d)
-        if (dims_[d] > 1)
+        if (form_.dims[d] > 1)
             return d + 1;
     return 1;
 }
 
 template <class T> int M<T>::vectordim() const
 {
-    auto const larger = std::count_if(dims_, dims_ + max_dims, [](int size) { return size > 1; });
+    auto const larger = std::count_if(form_.dims, form_.dims + max_dims, [](int size) { return size > 1; });
     return larger == 0 ? 2 : larger == 1 ? nsingleton() : 0;
 }
 
 template <class T> void M<T>::collapse()
 {
-    while (ndims_ > 2 && dims_[ndims_ - 1] <= 1)
-        --ndims_;
+    while (form_.ndims > 2 && form_.dims[form_.ndims - 1] <= 1)
+        --form_.ndims;
 }
 
 template <class T> void M<T>::reshape(int rows, int cols)
@@ -252,8 +255,8 @@ template <class T> void M<T>::reshape(int ndims, int const* dims)
         error("reshape: size is wrong");
         return;
     }
-    ndims_ = shape.ndims;
-    std::copy_n(shape.size, max_dims, dims_);
+    form_.ndims = shape.ndims;
+    std::copy_n(shape.size, max_dims, form_.dims);
 }
 
 template <class T> T M<T>::operator[](int k) const

@@ -8,6 +8,7 @@
 #include "runtime/errors.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <type_traits>
 
 // The smallest and largest zero-based row and column among stored entries.
@@ -22,7 +23,20 @@ template <class T> struct Elements;
 // The library's own writers, which build values field by field (core/access.h).
 template <class T> struct Access;
 enum class ElementPart : char { real = 'r', imaginary = 'i' };
-struct in_its_storage {};
+struct in_header {};
+// The flag of 1x1 variables that no proxy has been made over.
+inline constexpr unsigned scalar_mark = 8;
+// What a value is but for its storage.
+struct Form {
+    unsigned flags;
+    int ndims;
+    int dims[4];
+    int capacity;
+    int unused;
+};
+// Of a number in its header, and of one in a chunk of the pool. Copied from memory in one piece: numbers
+// are made more often than anything else, and the compiler would write constants one by one.
+ARRLIB_API extern Form const form_in_header, form_in_chunk;
 // A block of the pool, or null after a report, which never leaves as an exception.
 ARRLIB_API void* allocate_header(std::size_t size) noexcept;
 // Not zero while a debugger watches the variables (runtime/scope.h).
@@ -126,7 +140,7 @@ public:
     {
         if (ARRLIB_UNLIKELY(!make_at_once(rows, cols)))
             make(rows, cols, false);
-        flags_ |= scalar_variable_mark;
+        form_.flags |= scalar_variable_mark;
         if (ARRLIB_UNLIKELY(arrlib::variables_watched || (nx_default_error_flags & nx_error_register)))
             register_named();
     }
@@ -134,25 +148,29 @@ public:
     explicit M(global_M_t);
     // A constant of the library: empty or 1x1, in storage that is never given back.
     constexpr M(char const* name, arrlib::StaticStorage<T> const& made)
-        : MObject(name), flags_(0), ndims_(2), dims_{made.elements, made.elements, made.elements, made.elements}, capacity_(made.capacity), shared_(made.record),
+        : MObject(name), form_{0, 2, {made.elements, made.elements, made.elements, made.elements}, made.capacity, 0}, shared_(made.record),
           re_(made.re), im_(made.im), nnz_(made.elements), index_(nullptr)
     {
     }
     M(M const& other)
-        : MObject(other), flags_(other.flags_ & ~kept_marks), ndims_(other.ndims_), dims_{other.dims_[0], other.dims_[1], other.dims_[2], other.dims_[3]},
-          capacity_(other.capacity_), shared_(other.shared_), re_(other.re_), im_(other.im_), nnz_(other.nnz_), index_(other.index_)
+        : MObject(other), form_{other.form_.flags & ~kept_marks, other.form_.ndims, {other.form_.dims[0], other.form_.dims[1], other.form_.dims[2], other.form_.dims[3]}, other.form_.capacity, 0},
+          shared_(other.shared_), re_(other.re_), im_(other.im_), nnz_(other.nnz_), index_(other.index_)
     {
         if (ARRLIB_LIKELY(shared_ != nullptr))
             arrlib::add_reference(shared_);
+        else
+            take_number(other);
     }
     M(M&& other) noexcept
-        : MObject(other), flags_(other.flags_ & ~kept_marks), ndims_(other.ndims_), dims_{other.dims_[0], other.dims_[1], other.dims_[2], other.dims_[3]},
-          capacity_(other.capacity_), shared_(other.shared_), re_(other.re_), im_(other.im_), nnz_(other.nnz_), index_(other.index_)
+        : MObject(other), form_{other.form_.flags & ~kept_marks, other.form_.ndims, {other.form_.dims[0], other.form_.dims[1], other.form_.dims[2], other.form_.dims[3]}, other.form_.capacity, 0},
+          shared_(other.shared_), re_(other.re_), im_(other.im_), nnz_(other.nnz_), index_(other.index_)
     {
+        if (ARRLIB_UNLIKELY(!shared_))
+            take_number(other);
         other.forget_storage();
     }
-    // A number in the storage of another one, which nobody else holds and which is empty afterwards.
-    M(M& number, T const& value, arrlib::in_its_storage);
+    // A number that needs no storage but its header, as operators and subscripts give it.
+    M(T const& value, arrlib::in_header);
     M(Mr<T> const& selection);
     M(Sr<T> const& selection);
     M(Mb<T> const& bracket);
@@ -160,7 +178,10 @@ public:
 
     ~M() override
     {
-        if (ARRLIB_UNLIKELY(getname() && ((flags_ & kept_marks) || arrlib::variables_watched)))
+        // Most temporaries are numbers without a name or storage: one test for both.
+        if (ARRLIB_LIKELY(!(reinterpret_cast<std::uintptr_t>(getname()) | reinterpret_cast<std::uintptr_t>(shared_))))
+            return;
+        if (ARRLIB_UNLIKELY(getname() && ((form_.flags & kept_marks) || arrlib::variables_watched)))
             destroy_named();
         else
             drop_storage();
@@ -180,15 +201,12 @@ public:
     {
         // A number into a place that holds one, and has as much room: copying fields that have just been
         // written one by one would wait for each of them.
-        if (std::is_same_v<T, double> && is_number() && other.is_number() && other.capacity_ <= capacity_ && !dirty()) {
-            re_[0] = other.re_[0];
-            flags_ = assigned_flags(other);
-        } else if (ARRLIB_LIKELY(this != &other)) {
-            StorageRef const old(*this);
-            copy_fields(other);
-            other.forget_storage();
+        if (std::is_same_v<T, double> && is_number() && (other.is_in_header() || other.is_number()) && other.form_.capacity <= form_.capacity && !dirty()) {
+            re_[0] = other.front();
+            form_.flags = assigned_flags(other, true);
+            return *this;
         }
-        return *this;
+        return take_over(other);
     }
 
     // x = (BR(x), ...): extends x in place where it can. A template, so that x = {} stays clear.
@@ -219,15 +237,21 @@ public:
     // True when the given pointer is the name pointer.
     bool issamename(char const* name) const { return getname() == name; }
 
-    int isstr() const { return (flags_ & string_flag) != 0; }
-    int issparse() const { return (flags_ & sparse_flag) != 0; }
-    int islogical() const { return (flags_ & logical_flag) != 0; }
+    int isstr() const { return (form_.flags & string_flag) != 0; }
+    int issparse() const { return (form_.flags & sparse_flag) != 0; }
+    int islogical() const { return (form_.flags & logical_flag) != 0; }
     void setstr(int on) { set_flag(string_flag, on); }
-    void setsparse(int on) { set_flag(sparse_flag, on); }
+    void setsparse(int on)
+    {
+        // What is taken for sparse has no number where the positions are.
+        if (ARRLIB_UNLIKELY(on && is_in_header()))
+            leave_header();
+        set_flag(sparse_flag, on);
+    }
     void setlogical(int on) { set_flag(logical_flag, on); }
     int isc() const { return im_ != nullptr; }
     // True when other values share the storage (or there is none): a writer must copy first.
-    bool dirty() const { return !shared_ || !arrlib::is_only_reference(shared_); }
+    bool dirty() const { return ARRLIB_LIKELY(shared_ != nullptr) ? !arrlib::is_only_reference(shared_) : !is_in_header(); }
     // Drops an imaginary part of zeros; 1 if the value is still complex.
     int getreal();
     // Makes the value complex; returns 1.
@@ -236,28 +260,28 @@ public:
     void unshare();
 
     // --- sizes --------------------------------------------------------------------------------
-    int rows() const { return dims_[0]; }
+    int rows() const { return form_.dims[0]; }
     // dims[1]; trailing dims do not count.
-    int cols() const { return dims_[1]; }
+    int cols() const { return form_.dims[1]; }
     // Size of dimension 1 to 4; others report "%s.size(dim): no such dimension" and give 0.
     int size(int dim) const;
     // Number of elements.
     int size() const
     {
-        switch (ndims_) {
+        switch (form_.ndims) {
         case 2:
-            return dims_[0] * dims_[1];
+            return form_.dims[0] * form_.dims[1];
         case 3:
-            return dims_[0] * dims_[1] * dims_[2];
+            return form_.dims[0] * form_.dims[1] * form_.dims[2];
         case 4:
-            return dims_[0] * dims_[1] * dims_[2] * dims_[3];
+            return form_.dims[0] * form_.dims[1] * form_.dims[2] * form_.dims[3];
         default:
             return -1;
         }
     }
-    int getndims() const { return ndims_; }
+    int getndims() const { return form_.ndims; }
     // Four sizes.
-    int const* getdims() const { return dims_; }
+    int const* getdims() const { return form_.dims; }
     // Largest size; 0 when any is 0.
     int length() const;
     // 1-based number of the first dimension larger than 1; 1 when there is none.
@@ -273,13 +297,29 @@ public:
     // --- elements -----------------------------------------------------------------------------
     // Addresses, 1-based, unchecked, into storage that others may share.
     T* addr() const { return re_; }
+    // Whether the value is a number that has no storage but its header.
+    bool is_in_header() const
+    {
+        if constexpr (std::is_same_v<T, double>)
+            return !shared_ && re_;
+        else
+            return false;
+    }
+    // The first element. One in the header is read where it was written, which processors see through.
+    T const& front() const
+    {
+        if constexpr (std::is_same_v<T, double>)
+            if (ARRLIB_LIKELY(is_in_header()))
+                return number_;
+        return re_[0];
+    }
     T* addr(int k) const { return re_ + k - 1; }
-    T* addr(int i, int j) const { return re_ + (static_cast<std::ptrdiff_t>(dims_[0]) * (j - 1) + i - 1); }
+    T* addr(int i, int j) const { return re_ + (static_cast<std::ptrdiff_t>(form_.dims[0]) * (j - 1) + i - 1); }
     T* addi() const { return im_; }
     T* addi(int k) const { return im_ + k - 1; }
-    T* addi(int i, int j) const { return im_ + (static_cast<std::ptrdiff_t>(dims_[0]) * (j - 1) + i - 1); }
+    T* addi(int i, int j) const { return im_ + (static_cast<std::ptrdiff_t>(form_.dims[0]) * (j - 1) + i - 1); }
     // Elements the block has room for.
-    int capacity() const { return capacity_; }
+    int capacity() const { return form_.capacity; }
     // Stored elements.
     int& getnnz() { return nnz_; }
     int getnnz() const { return nnz_; }
@@ -365,10 +405,10 @@ public:
     int getsparse(int with_zeros);
 
     // A subscript proxy over the matrix may write, so it takes this mark away.
-    void clear_scalar_variable() { flags_ &= ~scalar_variable_mark; }
-    bool is_scalar_variable() const { return (flags_ & scalar_variable_mark) != 0; }
+    void clear_scalar_variable() { form_.flags &= ~scalar_variable_mark; }
+    bool is_scalar_variable() const { return (form_.flags & scalar_variable_mark) != 0; }
     // The value outlives the object, as a declared global does.
-    bool is_global() const { return (flags_ & global_mark) != 0; }
+    bool is_global() const { return (form_.flags & global_mark) != 0; }
 
 private:
     template <class U> friend struct arrlib::Elements;
@@ -380,7 +420,7 @@ private:
         string_flag = 1,
         sparse_flag = 2,
         logical_flag = 4,
-        scalar_variable_mark = 8,
+        scalar_variable_mark = arrlib::scalar_mark,
         global_mark = 16,
         // The variable scope holds the address of this object.
         listed_mark = 32,
@@ -392,7 +432,7 @@ private:
     // Drops a reference at the end of its block, after the fields have been overwritten.
     class StorageRef {
     public:
-        explicit StorageRef(M const& owner) : re_(owner.re_), shared_(owner.shared_), index_(owner.index_), capacity_(owner.capacity_) {}
+        explicit StorageRef(M const& owner) : re_(owner.re_), shared_(owner.shared_), index_(owner.index_), capacity_(owner.form_.capacity) {}
         ~StorageRef()
         {
             if (shared_ && arrlib::drop_reference(shared_))
@@ -408,16 +448,10 @@ private:
         int capacity_;
     };
 
-    // A real full value of one element, or an empty one when its storage could not be had.
-    M(arrlib::StorageBlock<T> const& block, int one)
-        : MObject(nullptr), flags_(0), ndims_(2), dims_{block.re ? one : 0, block.re ? one : 0, block.re ? one : 0, block.re ? one : 0},
-          capacity_(block.capacity), shared_(block.record), re_(block.re), im_(nullptr), nnz_(block.re ? one : 0), index_(nullptr)
-    {
-    }
     // An empty value without storage.
     struct unmade {};
     M(unmade, char const* name)
-        : MObject(name), flags_(0), ndims_(2), dims_{0, 0, 0, 0}, capacity_(0), shared_(nullptr), re_(nullptr), im_(nullptr), nnz_(0), index_(nullptr)
+        : MObject(name), form_{0, 2, {0, 0, 0, 0}, 0, 0}, shared_(nullptr), re_(nullptr), im_(nullptr), nnz_(0), index_(nullptr)
     {
     }
 
@@ -433,7 +467,7 @@ private:
             void* const chunk = one || rows < 1 || cols < 1 ? arrlib::pool.take_chunk() : nullptr;
             if (ARRLIB_LIKELY(chunk != nullptr)) {
                 int const capacity = one + Storage::spare;
-                dims_[0] = dims_[1] = dims_[2] = dims_[3] = one;
+                form_.dims[0] = form_.dims[1] = form_.dims[2] = form_.dims[3] = one;
                 adopt(Storage::lay_out(chunk, Storage::bytes(static_cast<std::size_t>(capacity), false), capacity, false), one);
                 return true;
             }
@@ -448,57 +482,84 @@ private:
     void make(int complex, int sparse, int nzmax, int ndims, int const* dims);
     void adopt(arrlib::StorageBlock<T> const& block, int count)
     {
-        capacity_ = block.capacity;
+        form_.capacity = block.capacity;
         shared_ = block.record;
         re_ = block.re;
         im_ = block.im;
         index_ = block.index;
         nnz_ = count;
     }
+    ARRLIB_COLD void leave_header()
+    {
+        unsigned const flags = form_.flags;
+        M made(front());
+        take_over(made);
+        form_.flags = flags;
+    }
+    __attribute__((noinline)) M& take_over(M& other)
+    {
+        if (ARRLIB_LIKELY(this != &other)) {
+            StorageRef const old(*this);
+            copy_fields(other);
+            other.forget_storage();
+        }
+        return *this;
+    }
     void forget_storage()
     {
-        ndims_ = 2;
-        dims_[0] = dims_[1] = dims_[2] = dims_[3] = 0;
-        capacity_ = nnz_ = 0;
+        form_.ndims = 2;
+        form_.dims[0] = form_.dims[1] = form_.dims[2] = form_.dims[3] = 0;
+        form_.capacity = nnz_ = 0;
         shared_ = nullptr;
         re_ = im_ = nullptr;
         index_ = nullptr;
-        flags_ &= static_cast<unsigned>(kept_marks);
+        form_.flags &= static_cast<unsigned>(kept_marks);
     }
     // The end of the value: its fields are read no more, and only where the storage goes with it.
     void drop_storage()
     {
         if (ARRLIB_LIKELY(shared_ != nullptr) && arrlib::drop_reference(shared_))
-            arrlib::Storage<T>::release(re_, shared_, index_, capacity_);
+            arrlib::Storage<T>::release(re_, shared_, index_, form_.capacity);
     }
     ARRLIB_COLD void destroy_named();
     ARRLIB_COLD void register_named();
 
-    void set_flag(unsigned flag, int on) { flags_ = on ? flags_ | flag : flags_ & ~flag; }
+    void set_flag(unsigned flag, int on) { form_.flags = on ? form_.flags | flag : form_.flags & ~flag; }
     void mark_scalar_variable()
     {
         if (nnz_ == 1 && !issparse())
-            flags_ |= scalar_variable_mark;
+            form_.flags |= scalar_variable_mark;
     }
     // A real full value of one element.
     bool is_number() const { return nnz_ == 1 && !im_ && !issparse(); }
-    unsigned assigned_flags(M const& other) const
+    unsigned assigned_flags(M const& other, bool number) const
     {
-        unsigned const both = flags_ & other.flags_ & scalar_variable_mark;
-        return (flags_ & kept_marks) | (other.flags_ & value_flags) | (other.is_number() ? both : 0u);
+        unsigned const both = form_.flags & other.form_.flags & scalar_variable_mark;
+        return (form_.flags & kept_marks) | (other.form_.flags & value_flags) | (number ? both : 0u);
     }
     void copy_fields(M const& other)
     {
-        flags_ = assigned_flags(other);
-        ndims_ = other.ndims_;
+        form_.flags = assigned_flags(other, other.is_number());
+        form_.ndims = other.form_.ndims;
         for (int d = 0; d < 4; ++d)
-            dims_[d] = other.dims_[d];
-        capacity_ = other.capacity_;
+            form_.dims[d] = other.form_.dims[d];
+        form_.capacity = other.form_.capacity;
         shared_ = other.shared_;
         re_ = other.re_;
         im_ = other.im_;
         nnz_ = other.nnz_;
         index_ = other.index_;
+        if (ARRLIB_UNLIKELY(!shared_))
+            take_number(other);
+    }
+    // After the fields of a value without shared storage were copied.
+    void take_number(M const& other)
+    {
+        if constexpr (std::is_same_v<T, double>)
+            if (other.is_in_header()) {
+                number_ = other.number_;
+                re_ = &number_;
+            }
     }
 
     // Zero-based position of a 1-based subscript, truncated; the largest unsigned for any that
@@ -520,20 +581,22 @@ private:
     {
         if (ARRLIB_UNLIKELY(!in_place()) && !elements::make_writable(*this))
             elements::refuse();
-        if (ARRLIB_UNLIKELY(i >= static_cast<unsigned>(dims_[0]) || j >= static_cast<unsigned>(dims_[1])))
+        if (ARRLIB_UNLIKELY(i >= static_cast<unsigned>(form_.dims[0]) || j >= static_cast<unsigned>(form_.dims[1])))
             elements::outside(*this, row, col);
-        return re_[static_cast<std::size_t>(j) * static_cast<unsigned>(dims_[0]) + i];
+        return re_[static_cast<std::size_t>(j) * static_cast<unsigned>(form_.dims[0]) + i];
     }
 
-    unsigned flags_;
-    int ndims_;
-    int dims_[4];
-    int capacity_;
+    arrlib::Form form_;
     arrlib::StorageRecord* shared_;
     T* re_;
     T* im_;
     int nnz_;
-    int* index_;
+    union {
+        // Zero-based positions of the entries of a sparse value.
+        int* index_;
+        // The element of a number that has no storage but this; re_ points to it, and shared_ is null.
+        double number_;
+    };
 };
 
 template <> ARRLIB_API void M<double>::make_number(double const& value);
@@ -541,10 +604,7 @@ template <> ARRLIB_API void M<double>::make_number(double const& value);
 template <> inline void M<double>::become_number(void* chunk, double value)
 {
     using Storage = arrlib::Storage<double>;
-    // All constants: the compiler writes the fields in a few pieces.
-    ndims_ = 2;
-    dims_[0] = dims_[1] = dims_[2] = dims_[3] = 1;
-    capacity_ = Storage::scalar_capacity;
+    form_ = arrlib::form_in_chunk;
     nnz_ = 1;
     arrlib::StorageBlock<double> const block = Storage::lay_out(chunk, Storage::scalar_bytes, Storage::scalar_capacity, false);
     shared_ = block.record;
@@ -559,16 +619,14 @@ template <> inline M<double>::M(double const& value) : MObject(nullptr), im_(nul
         make_number(value);
         return;
     }
-    flags_ = scalar_variable_mark;
     become_number(chunk, value);
 }
 
-template <> inline M<double>::M(M& number, double const& value, arrlib::in_its_storage)
-    : MObject(nullptr), flags_(scalar_variable_mark), ndims_(2), dims_{1, 1, 1, 1}, capacity_(number.capacity_), shared_(number.shared_), re_(number.re_),
-      im_(nullptr), nnz_(1), index_(nullptr)
+template <>
+inline M<double>::M(double const& value, arrlib::in_header)
+    : MObject(nullptr), form_(arrlib::form_in_header), shared_(nullptr), re_(&number_), im_(nullptr), nnz_(1),
+      number_(value)
 {
-    re_[0] = value;
-    number.forget_storage();
 }
 
 template <> ARRLIB_API M<M<double>>::M(M<double> const& value);

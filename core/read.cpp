@@ -461,20 +461,17 @@ template <class T> M<T> arrlib::read(Sr<T> const& selection)
 template <> M<double>::M(Mr<double> const& selection) : M(arrlib::read(selection)) {}
 template <> M<M<double>>::M(Mr<M<double>> const& selection) : M(arrlib::read(selection)) {}
 // The commonest read of all makes its number at once.
-template <> M<double>::M(Sr<double> const& selection) : MObject(nullptr), im_(nullptr), index_(nullptr)
+template <> M<double>::M(Sr<double> const& selection) : M(0.0, in_header())
 {
     M const& target = selection.target();
     int const position = selection.count() > 0 ? position_of(selection) : -1;
-    void* const chunk = ARRLIB_LIKELY(position >= 0 && !target.im_) ? pool.take_chunk() : nullptr;
-    if (ARRLIB_UNLIKELY(!chunk)) {
-        flags_ = 0;
-        forget_storage();
+    if (ARRLIB_UNLIKELY(position < 0 || target.im_)) {
         *this = arrlib::read(selection);
         return;
     }
     auto const at = static_cast<unsigned>(position);
-    become_number(chunk, ARRLIB_UNLIKELY(target.issparse()) ? Elements<double>::readable(target, ElementPart::real, at) : target.re_[at]);
-    flags_ = target.flags_ & (string_flag | logical_flag);
+    number_ = ARRLIB_UNLIKELY(target.issparse()) ? Elements<double>::readable(target, ElementPart::real, at) : target.re_[at];
+    form_.flags = target.form_.flags & (string_flag | logical_flag);
 }
 template <> M<M<double>>::M(Sr<M<double>> const& selection) : M(arrlib::read(selection)) {}
 

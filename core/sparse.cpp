@@ -192,10 +192,10 @@ template <class T> void M<T>::extend_nnz(int n)
         return;
     if constexpr (std::is_same_v<T, double>) {
         int const old = nnz_;
-        if (dirty() || n > capacity_) {
+        if (dirty() || n > form_.capacity) {
             // Half as much again, so that adding entries one by one does not copy them each time.
             int const room = std::max(n, std::min(old + old / 2, size()));
-            M made = Access<T>::sparse_with_room(isc(), Dims(ndims_, dims_), old, std::min(room, Storage<T>::largest_count) + Storage<T>::spare);
+            M made = Access<T>::sparse_with_room(isc(), Dims(form_.ndims, form_.dims), old, std::min(room, Storage<T>::largest_count) + Storage<T>::spare);
             if (!has_storage(made))
                 return;
             Access<T>::copy_kind(made, *this);
@@ -224,12 +224,12 @@ template <class T> int* M<T>::Jc(col_list_limits_t& limits) const
     limits = {INT_MAX, -1, INT_MAX, -1};
     if (!verify_sparse("Jc") || !std::is_same_v<T, double>)
         return nullptr;
-    int const columns = dims_[1];
+    int const columns = form_.dims[1];
     int* const starts = take_index(columns + 1);
     if (!starts)
         return nullptr;
     std::fill_n(starts, columns + 1, 0);
-    PositionSplit split(dims_[0]);
+    PositionSplit split(form_.dims[0]);
     for (int k = 0; k < nnz_; ++k) {
         split.at(index_[k]);
         widen(limits, split.row(), split.column());
@@ -248,7 +248,7 @@ template <class T> int* M<T>::Ir() const
     int* const list = take_index(std::max(nnz_, 1));
     if (!list)
         return nullptr;
-    PositionSplit split(dims_[0]);
+    PositionSplit split(form_.dims[0]);
     for (int k = 0; k < nnz_; ++k) {
         split.at(index_[k]);
         list[k] = split.row();
@@ -263,9 +263,9 @@ template <class T> void M<T>::IrJc(int const* ir, int const* jc)
     unshare();
     if (dirty())
         return;
-    for (int c = 0; c < dims_[1]; ++c)
+    for (int c = 0; c < form_.dims[1]; ++c)
         for (int k = std::max(jc[c], 0), end = std::min(jc[c + 1], nnz_); k < end; ++k)
-            index_[k] = static_cast<int>(static_cast<unsigned>(ir[k]) + static_cast<unsigned>(c) * static_cast<unsigned>(dims_[0]));
+            index_[k] = static_cast<int>(static_cast<unsigned>(ir[k]) + static_cast<unsigned>(c) * static_cast<unsigned>(form_.dims[0]));
 }
 
 template <class T> void M<T>::sort()
@@ -280,7 +280,7 @@ template <class T> void M<T>::sort()
             keys.data()[k] = entry_key(index_[k], k);
         if (!sort_keys(keys))
             return;
-        M made = Access<T>::sparse_with_room(isc(), Dims(ndims_, dims_), nnz_, capacity_);
+        M made = Access<T>::sparse_with_room(isc(), Dims(form_.ndims, form_.dims), nnz_, form_.capacity);
         if (!has_storage(made))
             return;
         Access<T>::copy_kind(made, *this);
@@ -307,7 +307,7 @@ template <class T> void M<T>::resparse()
             nnz_ = merge_entries(*this, *this);
             return;
         }
-        M made = sparse_with_room(isc(), Dims(ndims_, dims_), nnz_);
+        M made = sparse_with_room(isc(), Dims(form_.ndims, form_.dims), nnz_);
         if (!has_storage(made))
             return;
         Access<T>::copy_kind(made, *this);

@@ -99,6 +99,21 @@ M<double> apply(OpCode op, M<double> const& x, M<double> const& y, Temporaries t
     return goes_straight(op, x, y) ? straight_elementwise(op, x, y, temporaries) : of_operands(op, x, y, temporaries);
 }
 
+M<double> beside(OpCode op, M<double> const& x, M<double> const& y, Temporaries temporaries)
+{
+    return apply(op, x, y, temporaries);
+}
+
+M<double> beside(OpCode op, M<double> const& x, double y, Temporaries temporaries)
+{
+    return apply(op, x, M<double>(y), temporaries);
+}
+
+M<double> beside(OpCode op, double x, M<double> const& y, Temporaries temporaries)
+{
+    return apply(op, M<double>(x), y, temporaries);
+}
+
 M<double> multiply(M<double> const& x, M<double> const& y, Temporaries temporaries)
 {
     return x.size() < 2 || y.size() < 2 ? apply(op_times, x, y, temporaries) : matrix_product(x, y);

@@ -16,6 +16,10 @@ enum Temporaries : int { no_temporary = 0, temporary_x = 1, temporary_y = 2, tem
 // The engine, element by element (ops/engine.h).
 ARRLIB_API M<double> apply(OpCode op, M<double> const& x, Temporaries temporaries = no_temporary);
 ARRLIB_API M<double> apply(OpCode op, M<double> const& x, M<double> const& y, Temporaries temporaries = no_temporary);
+// The same, where operands were expected to be numbers.
+ARRLIB_API ARRLIB_COLD M<double> beside(OpCode op, M<double> const& x, M<double> const& y, Temporaries temporaries);
+ARRLIB_API ARRLIB_COLD M<double> beside(OpCode op, M<double> const& x, double y, Temporaries temporaries);
+ARRLIB_API ARRLIB_COLD M<double> beside(OpCode op, double x, M<double> const& y, Temporaries temporaries);
 // x*y: the matrix product, or element by element when x or y has fewer than two elements.
 ARRLIB_API M<double> multiply(M<double> const& x, M<double> const& y, Temporaries temporaries);
 
@@ -53,48 +57,50 @@ template <OpCode op> inline auto of_numbers(double x, double y)
         return x != 0 || y != 0;
 }
 
-template <OpCode op> inline M<double> number_result(M<double> const& x, M<double> const& y, Temporaries temporaries)
+template <OpCode op> inline M<double> number_result(double x, double y)
 {
-    auto const value = of_numbers<op>(x.addr()[0], y.addr()[0]);
+    auto const value = of_numbers<op>(x, y);
     if constexpr (std::is_same_v<decltype(value), bool const>) {
-        M<double> made(value ? 1.0 : 0.0);
+        M<double> made(value ? 1.0 : 0.0, in_header());
         made.setlogical(1);
         return made;
     } else {
-        if ((temporaries & temporary_x) && !x.dirty())
-            return M<double>(const_cast<M<double>&>(x), value, in_its_storage());
-        if ((temporaries & temporary_y) && !y.dirty())
-            return M<double>(const_cast<M<double>&>(y), value, in_its_storage());
-        return M<double>(value);
+        return M<double>(value, in_header());
     }
+}
+
+// A real full scalar. One that ends with the call was most likely given by an operator.
+inline bool is_number(M<double> const& x, bool temporary)
+{
+    return (temporary && x.is_in_header()) || is_real_scalar(x);
 }
 
 template <OpCode op> inline M<double> fast(M<double> const& x, M<double> const& y, Temporaries temporaries = no_temporary)
 {
-    if (ARRLIB_LIKELY(is_real_scalar(x) && is_real_scalar(y)))
-        return number_result<op>(x, y, temporaries);
-    return apply(op, x, y, temporaries);
+    if (ARRLIB_LIKELY(is_number(x, temporaries & temporary_x) && is_number(y, temporaries & temporary_y)))
+        return number_result<op>(x.front(), y.front());
+    return beside(op, x, y, temporaries);
 }
 
 inline M<double> product(M<double> const& x, M<double> const& y, Temporaries temporaries)
 {
-    if (ARRLIB_LIKELY(is_real_scalar(x) && is_real_scalar(y)))
-        return number_result<op_times>(x, y, temporaries);
+    if (ARRLIB_LIKELY(is_number(x, temporaries & temporary_x) && is_number(y, temporaries & temporary_y)))
+        return number_result<op_times>(x.front(), y.front());
     return multiply(x, y, temporaries);
 }
 
 // With a number of C++ on one side, which needs no storage.
 template <OpCode op> inline M<double> fast(M<double> const& x, double y, Temporaries temporaries = no_temporary)
 {
-    if (ARRLIB_LIKELY(is_real_scalar(x)))
-        return M<double>(of_numbers<op>(x.addr()[0], y));
-    return apply(op, x, M<double>(y), temporaries);
+    if (ARRLIB_LIKELY(is_number(x, temporaries & temporary_x)))
+        return number_result<op>(x.front(), y);
+    return beside(op, x, y, temporaries);
 }
 template <OpCode op> inline M<double> fast(double x, M<double> const& y, Temporaries temporaries = no_temporary)
 {
-    if (ARRLIB_LIKELY(is_real_scalar(y)))
-        return M<double>(of_numbers<op>(x, y.addr()[0]));
-    return apply(op, M<double>(x), y, temporaries);
+    if (ARRLIB_LIKELY(is_number(y, temporaries & temporary_y)))
+        return number_result<op>(x, y.front());
+    return beside(op, x, y, temporaries);
 }
 
 } // namespace arrlib

@@ -6,6 +6,8 @@
 
 #include <climits>
 #include <type_traits>
+#include <utility>
+#include <vector>
 
 using capture::Texts;
 using Dims = std::vector<int>;
@@ -77,6 +79,71 @@ TEST(Value, AScalarCostsOneChunk)
     auto const* const on_pool = new M<double>(1);
     EXPECT_EQ(arrlib::pool.outstanding(), before + 4);
     delete on_pool;
+}
+
+// What operators and single reads give has no storage but its header, and is a value like any other.
+TEST(Value, NumbersOfOperatorsLiveInTheirHeaders)
+{
+    M<double> a(1), b(2), row(0, 1, 3);
+    auto const before = arrlib::pool.outstanding();
+    M<double> sum = a + b, copy(sum), moved(std::move(copy));
+    EXPECT_EQ(arrlib::pool.outstanding(), before);
+    EXPECT_TRUE(sum.is_in_header() && moved.is_in_header());
+    EXPECT_EQ(copy.size(), 0);
+    EXPECT_FALSE(sum.dirty());
+    moved.r(1) = 7;
+    EXPECT_EQ(sum.r(1), 3);
+    std::swap(sum, moved);
+    EXPECT_EQ(sum.r(1), 7);
+    EXPECT_EQ(moved.r(1), 3);
+
+    M<double> named("named", 0, 0);
+    named = sum;
+    sum.r(1) = 1;
+    EXPECT_EQ(named.r(1), 7);
+    named = row;
+    EXPECT_EQ(named.addr(), row.addr());
+    named = a < b;
+    EXPECT_TRUE(named.islogical() && named.is_in_header());
+    EXPECT_STREQ(named.getname(), "named");
+
+    std::vector<M<double>> many;
+    for (int k = 0; k < 100; ++k)
+        many.push_back(a + k);
+    for (int k = 0; k < 100; ++k)
+        EXPECT_EQ(many[static_cast<std::size_t>(k)].r(1), k + 1);
+}
+
+TEST(Value, NumbersInHeadersBecomeAnythingElse)
+{
+    struct Change {
+        char const* what;
+        void (*change)(M<double>&);
+        std::vector<double> elements;
+    };
+    M<double> const three(3);
+    Change const changes[] = {
+        {"grown", [](M<double>& x) { x(4.0) = M<double>(9); }, {5, 0, 0, 9}},
+        {"extended", [](M<double>& x) { x = (BR(x), M<double>(6)); }, {5, 6}},
+        {"emptied", [](M<double>& x) { x(M<double>(1)) = nop_M; }, {}},
+        {"complex", [](M<double>& x) { x.i(1) = 2; }, {5}},
+        {"said to be sparse", [](M<double>& x) { x.setsparse(1); x.setsparse(0); }, {5}},
+        {"sparse", [](M<double>& x) { x.getsparse(0); }, {5}},
+        {"sparse by its function", [](M<double>& x) { x = sparse(x); }, {5}},
+        {"in a cell", [](M<double>& x) { M<M<double>> cell(x); x = M<double>(0); x = cell.r(1); }, {5}},
+        {"reshaped", [](M<double>& x) { x.reshape(1, 1); }, {5}},
+        {"its own", [](M<double>& x) { M<double>& same = x; x = same; x = std::move(same); x.unshare(); }, {5}},
+        {"full of itself", [](M<double>& x) { x = repmat(x, M<double>(1), M<double>(2)) + x; }, {10, 10}},
+    };
+    for (Change const& one : changes) {
+        SCOPED_TRACE(one.what);
+        M<double> x = three + 2;
+        ASSERT_TRUE(x.is_in_header());
+        one.change(x);
+        M<double> const y(x);
+        EXPECT_EQ(y.size(), static_cast<int>(one.elements.size()));
+        EXPECT_EQ(std::vector<double>(y.addr(), y.addr() + y.getnnz()), one.elements);
+    }
 }
 
 TEST(Value, SizesThatDoNotFitAreReported)
