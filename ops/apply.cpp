@@ -37,7 +37,7 @@ bool is_small(M<double> const& x)
 M<double> room_for(M<double> const& x, M<double> const& y, Temporaries temporaries)
 {
     for (auto const& [operand, ends] : {std::pair(&x, temporaries & temporary_x), std::pair(&y, temporaries & temporary_y)})
-        if (ends && !operand->dirty()) {
+        if (ends && !operand->dirty() && !operand->is_in_header()) {
             M<double> made = std::move(const_cast<M<double>&>(*operand));
             made.setname(nullptr);
             made.setstr(0);

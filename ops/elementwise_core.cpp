@@ -137,10 +137,11 @@ bool has_sparse_result(M<double>& made, OpCode op, M<double> const& x, M<double>
     return true;
 }
 
-// Nobody else reads the elements, and the result has the same number of them.
+// Nobody else reads the elements, and the result has the same number of them. What lies in a header
+// would not stay where it is when the value moves.
 bool can_lend(M<double> const& x, int count, bool complex)
 {
-    return x.size() == count && !x.issparse() && !x.dirty() && (!complex || x.isc());
+    return x.size() == count && !x.issparse() && !x.dirty() && !x.is_in_header() && (!complex || x.isc());
 }
 
 M<double> lent(M<double>&& x, bool complex)

@@ -133,6 +133,7 @@ TEST(Value, NumbersInHeadersBecomeAnythingElse)
         {"in a cell", [](M<double>& x) { M<M<double>> cell(x); x = M<double>(0); x = cell.r(1); }, {5}},
         {"reshaped", [](M<double>& x) { x.reshape(1, 1); }, {5}},
         {"its own", [](M<double>& x) { M<double>& same = x; x = same; x = std::move(same); x.unshare(); }, {5}},
+        {"lent to results", [](M<double>& x) { x = power(std::move(x), M<double>(2)) + msqrt(M<double>(2) + 2) + abs(M<double>(1) - 3); }, {29}},
         {"full of itself", [](M<double>& x) { x = repmat(x, M<double>(1), M<double>(2)) + x; }, {10, 10}},
     };
     for (Change const& one : changes) {
