@@ -153,18 +153,20 @@ public:
     {
     }
     M(M const& other)
-        : MObject(other), form_{other.form_.flags & ~kept_marks, other.form_.ndims, {other.form_.dims[0], other.form_.dims[1], other.form_.dims[2], other.form_.dims[3]}, other.form_.capacity, 0},
+        : MObject(other), form_(other.form_),
           shared_(other.shared_), re_(other.re_), im_(other.im_), nnz_(other.nnz_), index_(other.index_)
     {
+        form_.flags &= ~kept_marks;
         if (ARRLIB_LIKELY(shared_ != nullptr))
             arrlib::add_reference(shared_);
         else
             take_number(other);
     }
     M(M&& other) noexcept
-        : MObject(other), form_{other.form_.flags & ~kept_marks, other.form_.ndims, {other.form_.dims[0], other.form_.dims[1], other.form_.dims[2], other.form_.dims[3]}, other.form_.capacity, 0},
+        : MObject(other), form_(other.form_),
           shared_(other.shared_), re_(other.re_), im_(other.im_), nnz_(other.nnz_), index_(other.index_)
     {
+        form_.flags &= ~kept_marks;
         if (ARRLIB_UNLIKELY(!shared_))
             take_number(other);
         other.forget_storage();
