@@ -145,8 +145,11 @@ void Pool::set_true_top(void** top)
         top_ = top;
 }
 
+// Every par_run switches it on again, beside threads at work: only a change may touch the chunks.
 void Pool::set_threaded(bool on)
 {
+    if (on == threaded_)
+        return;
     threaded_ = on;
     open_or_close();
 }
