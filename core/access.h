@@ -18,9 +18,9 @@ template <class T> struct Access {
     static M<T> full_like(M<T> const& shape)
     {
         M<T> made = without_storage();
-        StorageBlock<T> const block = Storage<T>::take(shape.nnz_, false, false);
+        StorageBlock<T> const block = Storage<T>::take(shape.form_.nnz, false, false);
         if (block.record) {
-            made.adopt(block, shape.nnz_);
+            made.adopt(block, shape.form_.nnz);
             made.form_.ndims = shape.form_.ndims;
             std::copy_n(shape.form_.dims, max_dims, made.form_.dims);
         }
@@ -83,7 +83,7 @@ template <class T> struct Access {
     static void grow_in_place(M<T>& matrix, Dims const& shape)
     {
         set_dims(matrix, shape);
-        matrix.nnz_ = shape.count;
+        matrix.form_.nnz = shape.count;
     }
 
     static void drop_imaginary(M<T>& matrix) { matrix.im_ = nullptr; }

@@ -71,7 +71,7 @@ template <class T> T const& Elements<T>::readable(M<T> const& matrix, ElementPar
     if constexpr (std::is_same_v<T, double>) {
         static constexpr double zero = 0;
         if (matrix.issparse())
-            return parts ? *entry_or_zero(matrix.index_, matrix.nnz_, static_cast<int>(at), parts, &zero) : zero;
+            return parts ? *entry_or_zero(matrix.index_, matrix.form_.nnz, static_cast<int>(at), parts, &zero) : zero;
         if (!parts)
             return zero;
     } else if (!parts) {

@@ -45,8 +45,8 @@ template <class T> char const* M<T>::classname() const
     return std::is_same_v<T, double> ? "double" : "cell_double";
 }
 
-constinit Form const arrlib::form_in_header = {scalar_mark, 2, {1, 1, 1, 1}, 1, 0};
-constinit Form const arrlib::form_in_chunk = {scalar_mark, 2, {1, 1, 1, 1}, Storage<double>::scalar_capacity, 0};
+constinit Form const arrlib::form_in_header = {scalar_mark, 2, {1, 1, 1, 1}, 1, 1};
+constinit Form const arrlib::form_in_chunk = {scalar_mark, 2, {1, 1, 1, 1}, Storage<double>::scalar_capacity, 1};
 
 template <class T> M<T>::M(global_M_t tag) : MObject(tag) {}
 
@@ -139,7 +139,7 @@ template <class T> void M<T>::destroy_named()
     } catch (...) {
         show_error_in_flight();
     }
-    bool const watched_scalar = is_scalar_variable() && nnz_ == 1 && variables_watched;
+    bool const watched_scalar = is_scalar_variable() && form_.nnz == 1 && variables_watched;
     drop_storage();
     if (watched_scalar)
         debug(getname());
@@ -157,7 +157,7 @@ template <class T> void M<T>::deepcopy(int complex, int sparse, M const& source)
 {
     bool const to_sparse = sparse && std::is_same_v<T, double>;
     bool const scatter = source.issparse() && !to_sparse;
-    int const count = scatter ? source.size() : source.nnz_;
+    int const count = scatter ? source.size() : source.form_.nnz;
     StorageBlock<T> const block = Storage<T>::take(count, complex != 0, to_sparse);
     if (!block.record)
         return;
@@ -196,7 +196,7 @@ template <class T> void M<T>::unshare()
 template <class T> int M<T>::getreal()
 {
     if constexpr (std::is_same_v<T, double>)
-        if (im_ && std::all_of(im_, im_ + nnz_, [](double part) { return part == 0; }))
+        if (im_ && std::all_of(im_, im_ + form_.nnz, [](double part) { return part == 0; }))
             im_ = nullptr;
     return isc();
 }

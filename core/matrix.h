@@ -32,7 +32,7 @@ struct Form {
     int ndims;
     int dims[4];
     int capacity;
-    int unused;
+    int nnz;
 };
 // Of a number in its header, and of one in a chunk of the pool. Copied from memory in one piece: numbers
 // are made more often than anything else, and the compiler would write constants one by one.
@@ -148,13 +148,13 @@ public:
     explicit M(global_M_t);
     // A constant of the library: empty or 1x1, in storage that is never given back.
     constexpr M(char const* name, arrlib::StaticStorage<T> const& made)
-        : MObject(name), form_{0, 2, {made.elements, made.elements, made.elements, made.elements}, made.capacity, 0}, shared_(made.record),
-          re_(made.re), im_(made.im), nnz_(made.elements), index_(nullptr)
+        : MObject(name), form_{0, 2, {made.elements, made.elements, made.elements, made.elements}, made.capacity, made.elements}, shared_(made.record),
+          im_(made.im), re_(made.re), index_(nullptr)
     {
     }
     M(M const& other)
         : MObject(other), form_(other.form_),
-          shared_(other.shared_), re_(other.re_), im_(other.im_), nnz_(other.nnz_), index_(other.index_)
+          shared_(other.shared_), im_(other.im_), re_(other.re_), index_(other.index_)
     {
         form_.flags &= ~kept_marks;
         if (ARRLIB_LIKELY(shared_ != nullptr))
@@ -164,7 +164,7 @@ public:
     }
     M(M&& other) noexcept
         : MObject(other), form_(other.form_),
-          shared_(other.shared_), re_(other.re_), im_(other.im_), nnz_(other.nnz_), index_(other.index_)
+          shared_(other.shared_), im_(other.im_), re_(other.re_), index_(other.index_)
     {
         form_.flags &= ~kept_marks;
         if (ARRLIB_UNLIKELY(!shared_))
@@ -203,10 +203,15 @@ public:
     {
         // A number into a place that holds one, and has as much room: copying fields that have just been
         // written one by one would wait for each of them.
-        if (std::is_same_v<T, double> && is_number() && (other.is_in_header() || other.is_number()) && other.form_.capacity <= form_.capacity && !dirty()) {
-            re_[0] = other.front();
-            form_.flags = assigned_flags(other, true);
-            return *this;
+        if constexpr (std::is_same_v<T, double>) {
+            if (ARRLIB_LIKELY(other.is_in_header())) {
+                double const value = other.number_;
+                if (ARRLIB_LIKELY(is_number() && !dirty())) {
+                    re_[0] = value;
+                    form_.flags = assigned_flags(other, true);
+                    return *this;
+                }
+            }
         }
         return take_over(other);
     }
@@ -303,7 +308,7 @@ public:
     bool is_in_header() const
     {
         if constexpr (std::is_same_v<T, double>)
-            return !shared_ && re_;
+            return re_ == &number_;
         else
             return false;
     }
@@ -323,8 +328,8 @@ public:
     // Elements the block has room for.
     int capacity() const { return form_.capacity; }
     // Stored elements.
-    int& getnnz() { return nnz_; }
-    int getnnz() const { return nnz_; }
+    int& getnnz() { return form_.nnz; }
+    int getnnz() const { return form_.nnz; }
     // Element k, or 0 (an empty matrix for cells) when there is none.
     T operator[](int k) const;
 
@@ -340,7 +345,7 @@ public:
     T const& r(double k) const
     {
         unsigned const at = position(k);
-        if (ARRLIB_LIKELY(at < static_cast<unsigned>(nnz_) && !issparse()))
+        if (ARRLIB_LIKELY(at < static_cast<unsigned>(form_.nnz) && !issparse()))
             return re_[at];
         return elements::read(*this, arrlib::ElementPart::real, k);
     }
@@ -453,7 +458,7 @@ private:
     // An empty value without storage.
     struct unmade {};
     M(unmade, char const* name)
-        : MObject(name), form_{0, 2, {0, 0, 0, 0}, 0, 0}, shared_(nullptr), re_(nullptr), im_(nullptr), nnz_(0), index_(nullptr)
+        : MObject(name), form_{0, 2, {0, 0, 0, 0}, 0, 0}, shared_(nullptr), im_(nullptr), re_(nullptr), index_(nullptr)
     {
     }
 
@@ -489,7 +494,7 @@ private:
         re_ = block.re;
         im_ = block.im;
         index_ = block.index;
-        nnz_ = count;
+        form_.nnz = count;
     }
     ARRLIB_COLD void leave_header()
     {
@@ -511,7 +516,7 @@ private:
     {
         form_.ndims = 2;
         form_.dims[0] = form_.dims[1] = form_.dims[2] = form_.dims[3] = 0;
-        form_.capacity = nnz_ = 0;
+        form_.capacity = form_.nnz = 0;
         shared_ = nullptr;
         re_ = im_ = nullptr;
         index_ = nullptr;
@@ -529,11 +534,11 @@ private:
     void set_flag(unsigned flag, int on) { form_.flags = on ? form_.flags | flag : form_.flags & ~flag; }
     void mark_scalar_variable()
     {
-        if (nnz_ == 1 && !issparse())
+        if (form_.nnz == 1 && !issparse())
             form_.flags |= scalar_variable_mark;
     }
     // A real full value of one element.
-    bool is_number() const { return nnz_ == 1 && !im_ && !issparse(); }
+    bool is_number() const { return form_.nnz == 1 && !im_ && !issparse(); }
     unsigned assigned_flags(M const& other, bool number) const
     {
         unsigned const both = form_.flags & other.form_.flags & scalar_variable_mark;
@@ -541,15 +546,12 @@ private:
     }
     void copy_fields(M const& other)
     {
-        form_.flags = assigned_flags(other, other.is_number());
-        form_.ndims = other.form_.ndims;
-        for (int d = 0; d < 4; ++d)
-            form_.dims[d] = other.form_.dims[d];
-        form_.capacity = other.form_.capacity;
+        unsigned const flags = assigned_flags(other, other.is_number());
+        form_ = other.form_;
+        form_.flags = flags;
         shared_ = other.shared_;
         re_ = other.re_;
         im_ = other.im_;
-        nnz_ = other.nnz_;
         index_ = other.index_;
         if (ARRLIB_UNLIKELY(!shared_))
             take_number(other);
@@ -575,7 +577,7 @@ private:
     {
         if (ARRLIB_UNLIKELY(!in_place()) && !elements::make_writable(*this))
             elements::refuse();
-        if (ARRLIB_UNLIKELY(at >= static_cast<unsigned>(nnz_)))
+        if (ARRLIB_UNLIKELY(at >= static_cast<unsigned>(form_.nnz)))
             elements::outside(*this, k);
         return re_[at];
     }
@@ -590,9 +592,8 @@ private:
 
     arrlib::Form form_;
     arrlib::StorageRecord* shared_;
-    T* re_;
     T* im_;
-    int nnz_;
+    T* re_;
     union {
         // Zero-based positions of the entries of a sparse value.
         int* index_;
@@ -607,7 +608,6 @@ template <> inline void M<double>::become_number(void* chunk, double value)
 {
     using Storage = arrlib::Storage<double>;
     form_ = arrlib::form_in_chunk;
-    nnz_ = 1;
     arrlib::StorageBlock<double> const block = Storage::lay_out(chunk, Storage::scalar_bytes, Storage::scalar_capacity, false);
     shared_ = block.record;
     re_ = block.re;
@@ -626,8 +626,7 @@ template <> inline M<double>::M(double const& value) : MObject(nullptr), im_(nul
 
 template <>
 inline M<double>::M(double const& value, arrlib::in_header)
-    : MObject(nullptr), form_(arrlib::form_in_header), shared_(nullptr), re_(&number_), im_(nullptr), nnz_(1),
-      number_(value)
+    : MObject(nullptr), form_(arrlib::form_in_header), shared_(nullptr), im_(nullptr), re_(&number_), number_(value)
 {
 }
 

@@ -170,8 +170,8 @@ template <class T> int M<T>::search(int position) const
 {
     if (!verify_sparse("search") || !index_)
         return -1;
-    int const found = first_entry_from(index_, nnz_, position);
-    return found < nnz_ && index_[found] == position ? found : -1;
+    int const found = first_entry_from(index_, form_.nnz, position);
+    return found < form_.nnz && index_[found] == position ? found : -1;
 }
 
 template <class T> void M<T>::unsparse(int n, T* re, T* im) const
@@ -180,18 +180,18 @@ template <class T> void M<T>::unsparse(int n, T* re, T* im) const
         return;
     if constexpr (std::is_same_v<T, double>) {
         if (re)
-            scatter(re, re_, index_, nnz_, n);
+            scatter(re, re_, index_, form_.nnz, n);
         if (im)
-            scatter(im, im_, index_, nnz_, n);
+            scatter(im, im_, index_, form_.nnz, n);
     }
 }
 
 template <class T> void M<T>::extend_nnz(int n)
 {
-    if (!verify_sparse("extend_nnz") || n <= nnz_)
+    if (!verify_sparse("extend_nnz") || n <= form_.nnz)
         return;
     if constexpr (std::is_same_v<T, double>) {
-        int const old = nnz_;
+        int const old = form_.nnz;
         if (dirty() || n > form_.capacity) {
             // Half as much again, so that adding entries one by one does not copy them each time.
             int const room = std::max(n, std::min(old + old / 2, size()));
@@ -209,7 +209,7 @@ template <class T> void M<T>::extend_nnz(int n)
         Storage<T>::clear(re_ + old, n - old);
         if (im_)
             Storage<T>::clear(im_ + old, n - old);
-        nnz_ = n;
+        form_.nnz = n;
     }
 }
 
@@ -230,7 +230,7 @@ template <class T> int* M<T>::Jc(col_list_limits_t& limits) const
         return nullptr;
     std::fill_n(starts, columns + 1, 0);
     PositionSplit split(form_.dims[0]);
-    for (int k = 0; k < nnz_; ++k) {
+    for (int k = 0; k < form_.nnz; ++k) {
         split.at(index_[k]);
         widen(limits, split.row(), split.column());
         if (static_cast<unsigned>(split.column()) < static_cast<unsigned>(columns))
@@ -245,11 +245,11 @@ template <class T> int* M<T>::Ir() const
 {
     if (!verify_sparse("Ir") || !std::is_same_v<T, double>)
         return nullptr;
-    int* const list = take_index(std::max(nnz_, 1));
+    int* const list = take_index(std::max(form_.nnz, 1));
     if (!list)
         return nullptr;
     PositionSplit split(form_.dims[0]);
-    for (int k = 0; k < nnz_; ++k) {
+    for (int k = 0; k < form_.nnz; ++k) {
         split.at(index_[k]);
         list[k] = split.row();
     }
@@ -264,27 +264,27 @@ template <class T> void M<T>::IrJc(int const* ir, int const* jc)
     if (dirty())
         return;
     for (int c = 0; c < form_.dims[1]; ++c)
-        for (int k = std::max(jc[c], 0), end = std::min(jc[c + 1], nnz_); k < end; ++k)
+        for (int k = std::max(jc[c], 0), end = std::min(jc[c + 1], form_.nnz); k < end; ++k)
             index_[k] = static_cast<int>(static_cast<unsigned>(ir[k]) + static_cast<unsigned>(c) * static_cast<unsigned>(form_.dims[0]));
 }
 
 template <class T> void M<T>::sort()
 {
     if constexpr (std::is_same_v<T, double>) {
-        if (!verify_sparse("sort") || std::is_sorted(index_, index_ + nnz_))
+        if (!verify_sparse("sort") || std::is_sorted(index_, index_ + form_.nnz))
             return;
-        HeapArray<EntryKey> keys(static_cast<std::size_t>(nnz_));
+        HeapArray<EntryKey> keys(static_cast<std::size_t>(form_.nnz));
         if (!keys)
             return;
-        for (int k = 0; k < nnz_; ++k)
+        for (int k = 0; k < form_.nnz; ++k)
             keys.data()[k] = entry_key(index_[k], k);
         if (!sort_keys(keys))
             return;
-        M made = Access<T>::sparse_with_room(isc(), Dims(form_.ndims, form_.dims), nnz_, form_.capacity);
+        M made = Access<T>::sparse_with_room(isc(), Dims(form_.ndims, form_.dims), form_.nnz, form_.capacity);
         if (!has_storage(made))
             return;
         Access<T>::copy_kind(made, *this);
-        for (int k = 0; k < nnz_; ++k) {
+        for (int k = 0; k < form_.nnz; ++k) {
             int const from = key_entry(keys.data()[k]);
             made.index_[k] = key_position(keys.data()[k]);
             made.re_[k] = re_[from];
@@ -304,14 +304,14 @@ template <class T> void M<T>::resparse()
             return;
         if (!dirty()) {
             // Entries only move to the front.
-            nnz_ = merge_entries(*this, *this);
+            form_.nnz = merge_entries(*this, *this);
             return;
         }
-        M made = sparse_with_room(isc(), Dims(form_.ndims, form_.dims), nnz_);
+        M made = sparse_with_room(isc(), Dims(form_.ndims, form_.dims), form_.nnz);
         if (!has_storage(made))
             return;
         Access<T>::copy_kind(made, *this);
-        made.nnz_ = merge_entries(made, *this);
+        made.form_.nnz = merge_entries(made, *this);
         *this = std::move(made);
     } else {
         error("no sparse cells");

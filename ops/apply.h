@@ -69,37 +69,52 @@ template <OpCode op> inline M<double> number_result(double x, double y)
     }
 }
 
-// A real full scalar. One that ends with the call was most likely given by an operator.
-inline bool is_number(M<double> const& x, bool temporary)
+// The number that an operand is, if it is one. One that ends with the call was most likely given by an
+// operator; a look at its header tells, and compilers see there what the operator has just written.
+inline bool number_of(M<double> const& x, bool temporary, double& number)
 {
-    return (temporary && x.is_in_header()) || is_real_scalar(x);
+    if (ARRLIB_UNLIKELY(!(temporary ? x.is_in_header() : is_real_scalar(x))))
+        return false;
+    number = temporary ? x.front() : *x.addr();
+    return true;
+}
+// Both, the one first that was made last.
+inline bool numbers_of(M<double> const& x, M<double> const& y, Temporaries temporaries, double& a, double& b)
+{
+    if (temporaries & temporary_x)
+        return number_of(x, true, a) && number_of(y, temporaries & temporary_y, b);
+    return number_of(y, temporaries & temporary_y, b) && number_of(x, false, a);
 }
 
 template <OpCode op> inline M<double> fast(M<double> const& x, M<double> const& y, Temporaries temporaries = no_temporary)
 {
-    if (ARRLIB_LIKELY(is_number(x, temporaries & temporary_x) && is_number(y, temporaries & temporary_y)))
-        return number_result<op>(x.front(), y.front());
+    double a, b;
+    if (ARRLIB_LIKELY(numbers_of(x, y, temporaries, a, b)))
+        return number_result<op>(a, b);
     return beside(op, x, y, temporaries);
 }
 
 inline M<double> product(M<double> const& x, M<double> const& y, Temporaries temporaries)
 {
-    if (ARRLIB_LIKELY(is_number(x, temporaries & temporary_x) && is_number(y, temporaries & temporary_y)))
-        return number_result<op_times>(x.front(), y.front());
+    double a, b;
+    if (ARRLIB_LIKELY(numbers_of(x, y, temporaries, a, b)))
+        return number_result<op_times>(a, b);
     return multiply(x, y, temporaries);
 }
 
 // With a number of C++ on one side, which needs no storage.
 template <OpCode op> inline M<double> fast(M<double> const& x, double y, Temporaries temporaries = no_temporary)
 {
-    if (ARRLIB_LIKELY(is_number(x, temporaries & temporary_x)))
-        return number_result<op>(x.front(), y);
+    double a;
+    if (ARRLIB_LIKELY(number_of(x, temporaries & temporary_x, a)))
+        return number_result<op>(a, y);
     return beside(op, x, y, temporaries);
 }
 template <OpCode op> inline M<double> fast(double x, M<double> const& y, Temporaries temporaries = no_temporary)
 {
-    if (ARRLIB_LIKELY(is_number(y, temporaries & temporary_y)))
-        return number_result<op>(x, y.front());
+    double b;
+    if (ARRLIB_LIKELY(number_of(y, temporaries & temporary_y, b)))
+        return number_result<op>(x, b);
     return beside(op, x, y, temporaries);
 }
 
