@@ -18,9 +18,9 @@ template <class T> struct Access {
     static M<T> full_like(M<T> const& shape)
     {
         M<T> made = without_storage();
-        StorageBlock<T> const block = Storage<T>::take(shape.form_.nnz, false, false);
+        StorageBlock<T> const block = Storage<T>::take(shape.place_.nnz, false, false);
         if (block.record) {
-            made.adopt(block, shape.form_.nnz);
+            made.adopt(block, shape.place_.nnz);
             made.form_.ndims = shape.form_.ndims;
             std::copy_n(shape.form_.dims, max_dims, made.form_.dims);
         }
@@ -83,12 +83,12 @@ template <class T> struct Access {
     static void grow_in_place(M<T>& matrix, Dims const& shape)
     {
         set_dims(matrix, shape);
-        matrix.form_.nnz = shape.count;
+        matrix.place_.nnz = shape.count;
     }
 
-    static void drop_imaginary(M<T>& matrix) { matrix.im_ = nullptr; }
+    static void drop_imaginary(M<T>& matrix) { matrix.place_.im = nullptr; }
     // Null for a full value.
-    static int* index(M<T> const& matrix) { return matrix.is_in_header() ? nullptr : matrix.index_; }
+    static int* index(M<T> const& matrix) { return matrix.is_in_header() ? nullptr : matrix.place_.index; }
 
     // The string, logical and sparse flags of another value.
     static void copy_kind(M<T>& to, M<T> const& from)

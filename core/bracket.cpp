@@ -499,7 +499,7 @@ template <class T> M<T>::M(Mc<T> const& bracket) : M(unmade{}, nullptr)
             if (is_break(elements[k])) {
                 at = ++row;
             } else {
-                re_[at] = static_cast<M<double> const&>(elements[k]);
+                place_.re[at] = static_cast<M<double> const&>(elements[k]);
                 at += rows;
             }
         }

@@ -67,11 +67,11 @@ template <class T> unsigned Elements<T>::checked(M<T> const& matrix, ElementPart
 // Reading through a constant value changes nothing: what is not stored reads as zero.
 template <class T> T const& Elements<T>::readable(M<T> const& matrix, ElementPart which, unsigned at)
 {
-    T const* const parts = which == ElementPart::real ? matrix.re_ : matrix.im_;
+    T const* const parts = which == ElementPart::real ? matrix.place_.re : matrix.place_.im;
     if constexpr (std::is_same_v<T, double>) {
         static constexpr double zero = 0;
         if (matrix.issparse())
-            return parts ? *entry_or_zero(matrix.index_, matrix.form_.nnz, static_cast<int>(at), parts, &zero) : zero;
+            return parts ? *entry_or_zero(matrix.place_.index, matrix.place_.nnz, static_cast<int>(at), parts, &zero) : zero;
         if (!parts)
             return zero;
     } else if (!parts) {
@@ -122,9 +122,9 @@ template <class T> T& Elements<T>::writable(M<T>& matrix, ElementPart which, uns
     }
     if (!make_writable(matrix))
         refuse();
-    if (which == ElementPart::imaginary && !matrix.im_)
+    if (which == ElementPart::imaginary && !matrix.place_.im)
         end_process();
-    return (which == ElementPart::real ? matrix.re_ : matrix.im_)[at];
+    return (which == ElementPart::real ? matrix.place_.re : matrix.place_.im)[at];
 }
 
 template <class T> T& Elements<T>::write(M<T>& matrix, ElementPart which, double k)

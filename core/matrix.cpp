@@ -45,8 +45,8 @@ template <class T> char const* M<T>::classname() const
     return std::is_same_v<T, double> ? "double" : "cell_double";
 }
 
-constinit Form const arrlib::form_in_header = {scalar_mark, 2, {1, 1, 1, 1}, 1, 1};
-constinit Form const arrlib::form_in_chunk = {scalar_mark, 2, {1, 1, 1, 1}, Storage<double>::scalar_capacity, 1};
+constinit Form const arrlib::form_in_header = {scalar_mark, 2, {1, 1, 1, 1}, 1, 0};
+constinit Form const arrlib::form_in_chunk = {scalar_mark, 2, {1, 1, 1, 1}, Storage<double>::scalar_capacity, 0};
 
 template <class T> M<T>::M(global_M_t tag) : MObject(tag) {}
 
@@ -85,10 +85,10 @@ template <class T> void M<T>::make(int complex, int sparse, int nzmax, int ndims
     std::copy_n(shape.size, max_dims, form_.dims);
     if (is_sparse) {
         form_.flags |= sparse_flag;
-        std::fill_n(index_, form_.capacity, 0);
-        Storage<T>::clear(re_, form_.capacity);
-        if (im_)
-            Storage<T>::clear(im_, form_.capacity);
+        std::fill_n(place_.index, form_.capacity, 0);
+        Storage<T>::clear(place_.re, form_.capacity);
+        if (place_.im)
+            Storage<T>::clear(place_.im, form_.capacity);
     }
 }
 
@@ -106,8 +106,8 @@ template <class T> M<T>::M(int complex, int sparse, int nzmax, int ndims, int co
 template <> M<M<double>>::M(M<double> const& value) : M(unmade{}, nullptr)
 {
     make(1, 1, false);
-    if (re_)
-        re_[0] = value;
+    if (place_.re)
+        place_.re[0] = value;
 }
 
 template <class T> void M<T>::register_named()
@@ -139,7 +139,7 @@ template <class T> void M<T>::destroy_named()
     } catch (...) {
         show_error_in_flight();
     }
-    bool const watched_scalar = is_scalar_variable() && form_.nnz == 1 && variables_watched;
+    bool const watched_scalar = is_scalar_variable() && place_.nnz == 1 && variables_watched;
     drop_storage();
     if (watched_scalar)
         debug(getname());
@@ -157,7 +157,7 @@ template <class T> void M<T>::deepcopy(int complex, int sparse, M const& source)
 {
     bool const to_sparse = sparse && std::is_same_v<T, double>;
     bool const scatter = source.issparse() && !to_sparse;
-    int const count = scatter ? source.size() : source.form_.nnz;
+    int const count = scatter ? source.size() : source.place_.nnz;
     StorageBlock<T> const block = Storage<T>::take(count, complex != 0, to_sparse);
     if (!block.record)
         return;
@@ -169,21 +169,21 @@ template <class T> void M<T>::deepcopy(int complex, int sparse, M const& source)
     made.setsparse(to_sparse);
     if constexpr (std::is_same_v<T, double>) {
         if (scatter) {
-            source.unsparse(count, made.re_, made.im_);
+            source.unsparse(count, made.place_.re, made.place_.im);
             *this = std::move(made);
             return;
         }
         if (to_sparse && source.issparse())
-            std::copy_n(source.index_, count, made.index_);
+            std::copy_n(source.place_.index, count, made.place_.index);
         else if (to_sparse)
             for (int k = 0; k < count; ++k)
-                made.index_[k] = k;
+                made.place_.index[k] = k;
     }
-    Storage<T>::copy(made.re_, source.re_, count);
-    if (made.im_ && source.im_)
-        Storage<T>::copy(made.im_, source.im_, count);
-    else if (made.im_)
-        Storage<T>::clear(made.im_, count);
+    Storage<T>::copy(made.place_.re, source.place_.re, count);
+    if (made.place_.im && source.place_.im)
+        Storage<T>::copy(made.place_.im, source.place_.im, count);
+    else if (made.place_.im)
+        Storage<T>::clear(made.place_.im, count);
     *this = std::move(made);
 }
 
@@ -196,8 +196,8 @@ template <class T> void M<T>::unshare()
 template <class T> int M<T>::getreal()
 {
     if constexpr (std::is_same_v<T, double>)
-        if (im_ && std::all_of(im_, im_ + form_.nnz, [](double part) { return part == 0; }))
-            im_ = nullptr;
+        if (place_.im && std::all_of(place_.im, place_.im + place_.nnz, [](double part) { return part == 0; }))
+            place_.im = nullptr;
     return isc();
 }
 
@@ -276,19 +276,19 @@ template <class T> bool M<T>::verify_sparse(char const* operation) const
 template <class T> T* M<T>::spaddr() const
 {
     verify_sparse("spaddr");
-    return re_;
+    return place_.re;
 }
 
 template <class T> T* M<T>::spaddi() const
 {
     verify_sparse("spaddi");
-    return im_;
+    return place_.im;
 }
 
 template <class T> int* M<T>::getindex() const
 {
     verify_sparse("getindex");
-    return index_;
+    return place_.index;
 }
 
 template class M<double>;

@@ -26,16 +26,29 @@ enum class ElementPart : char { real = 'r', imaginary = 'i' };
 struct in_header {};
 // The flag of 1x1 variables that no proxy has been made over.
 inline constexpr unsigned scalar_mark = 8;
-// What a value is but for its storage.
+// What a value is but for its elements, and where they are: the fields behind its name, in the order that
+// debuggers know. Each copied in one piece: values are copied more often than anything else, and the
+// compiler would move field by field.
 struct Form {
     unsigned flags;
     int ndims;
     int dims[4];
     int capacity;
-    int nnz;
+    int unused;
 };
-// Of a number in its header, and of one in a chunk of the pool. Copied from memory in one piece: numbers
-// are made more often than anything else, and the compiler would write constants one by one.
+template <class T> struct Place {
+    StorageRecord* shared;
+    T* re;
+    T* im;
+    int nnz;
+    union {
+        // Zero-based positions of the entries of a sparse value.
+        int* index;
+        // The element of a number that has no storage but this; re points to it, and shared is null.
+        double number;
+    };
+};
+// Of a number in its header, and of one in a chunk of the pool.
 ARRLIB_API extern Form const form_in_header, form_in_chunk;
 // A block of the pool, or null after a report, which never leaves as an exception.
 ARRLIB_API void* allocate_header(std::size_t size) noexcept;
@@ -148,26 +161,25 @@ public:
     explicit M(global_M_t);
     // A constant of the library: empty or 1x1, in storage that is never given back.
     constexpr M(char const* name, arrlib::StaticStorage<T> const& made)
-        : MObject(name), form_{0, 2, {made.elements, made.elements, made.elements, made.elements}, made.capacity, made.elements}, shared_(made.record),
-          im_(made.im), re_(made.re), index_(nullptr)
+        : MObject(name), form_{0, 2, {made.elements, made.elements, made.elements, made.elements}, made.capacity, 0},
+          place_{made.record, made.re, made.im, made.elements, {nullptr}}
     {
     }
     M(M const& other)
-        : MObject(other), form_(other.form_),
-          shared_(other.shared_), im_(other.im_), re_(other.re_), index_(other.index_)
+        : MObject(other), form_(other.form_), place_(other.place_)
     {
         form_.flags &= ~kept_marks;
-        if (ARRLIB_LIKELY(shared_ != nullptr))
-            arrlib::add_reference(shared_);
+        // Of the other, whose fields have long been written.
+        if (ARRLIB_LIKELY(other.place_.shared != nullptr))
+            arrlib::add_reference(other.place_.shared);
         else
             take_number(other);
     }
     M(M&& other) noexcept
-        : MObject(other), form_(other.form_),
-          shared_(other.shared_), im_(other.im_), re_(other.re_), index_(other.index_)
+        : MObject(other), form_(other.form_), place_(other.place_)
     {
         form_.flags &= ~kept_marks;
-        if (ARRLIB_UNLIKELY(!shared_))
+        if (ARRLIB_UNLIKELY(!place_.shared))
             take_number(other);
         other.forget_storage();
     }
@@ -181,7 +193,7 @@ public:
     ~M() override
     {
         // Most temporaries are numbers without a name or storage: one test for both.
-        if (ARRLIB_LIKELY(!(reinterpret_cast<std::uintptr_t>(getname()) | reinterpret_cast<std::uintptr_t>(shared_))))
+        if (ARRLIB_LIKELY(!(reinterpret_cast<std::uintptr_t>(getname()) | reinterpret_cast<std::uintptr_t>(place_.shared))))
             return;
         if (ARRLIB_UNLIKELY(getname() && ((form_.flags & kept_marks) || arrlib::variables_watched)))
             destroy_named();
@@ -192,8 +204,8 @@ public:
     M& operator=(M const& other)
     {
         if (ARRLIB_LIKELY(this != &other)) {
-            if (ARRLIB_LIKELY(other.shared_ != nullptr))
-                arrlib::add_reference(other.shared_);
+            if (ARRLIB_LIKELY(other.place_.shared != nullptr))
+                arrlib::add_reference(other.place_.shared);
             StorageRef const old(*this);
             copy_fields(other);
         }
@@ -205,9 +217,9 @@ public:
         // written one by one would wait for each of them.
         if constexpr (std::is_same_v<T, double>) {
             if (ARRLIB_LIKELY(other.is_in_header())) {
-                double const value = other.number_;
+                double const value = other.place_.number;
                 if (ARRLIB_LIKELY(is_number() && !dirty())) {
-                    re_[0] = value;
+                    place_.re[0] = value;
                     form_.flags = assigned_flags(other, true);
                     return *this;
                 }
@@ -256,9 +268,9 @@ public:
         set_flag(sparse_flag, on);
     }
     void setlogical(int on) { set_flag(logical_flag, on); }
-    int isc() const { return im_ != nullptr; }
+    int isc() const { return place_.im != nullptr; }
     // True when other values share the storage (or there is none): a writer must copy first.
-    bool dirty() const { return ARRLIB_LIKELY(shared_ != nullptr) ? !arrlib::is_only_reference(shared_) : !is_in_header(); }
+    bool dirty() const { return ARRLIB_LIKELY(place_.shared != nullptr) ? !arrlib::is_only_reference(place_.shared) : !is_in_header(); }
     // Drops an imaginary part of zeros; 1 if the value is still complex.
     int getreal();
     // Makes the value complex; returns 1.
@@ -303,12 +315,12 @@ public:
 
     // --- elements -----------------------------------------------------------------------------
     // Addresses, 1-based, unchecked, into storage that others may share.
-    T* addr() const { return re_; }
+    T* addr() const { return place_.re; }
     // Whether the value is a number that has no storage but its header.
     bool is_in_header() const
     {
         if constexpr (std::is_same_v<T, double>)
-            return re_ == &number_;
+            return place_.re == &place_.number;
         else
             return false;
     }
@@ -317,19 +329,19 @@ public:
     {
         if constexpr (std::is_same_v<T, double>)
             if (ARRLIB_LIKELY(is_in_header()))
-                return number_;
-        return re_[0];
+                return place_.number;
+        return place_.re[0];
     }
-    T* addr(int k) const { return re_ + k - 1; }
-    T* addr(int i, int j) const { return re_ + (static_cast<std::ptrdiff_t>(form_.dims[0]) * (j - 1) + i - 1); }
-    T* addi() const { return im_; }
-    T* addi(int k) const { return im_ + k - 1; }
-    T* addi(int i, int j) const { return im_ + (static_cast<std::ptrdiff_t>(form_.dims[0]) * (j - 1) + i - 1); }
+    T* addr(int k) const { return place_.re + k - 1; }
+    T* addr(int i, int j) const { return place_.re + (static_cast<std::ptrdiff_t>(form_.dims[0]) * (j - 1) + i - 1); }
+    T* addi() const { return place_.im; }
+    T* addi(int k) const { return place_.im + k - 1; }
+    T* addi(int i, int j) const { return place_.im + (static_cast<std::ptrdiff_t>(form_.dims[0]) * (j - 1) + i - 1); }
     // Elements the block has room for.
     int capacity() const { return form_.capacity; }
     // Stored elements.
-    int& getnnz() { return form_.nnz; }
-    int getnnz() const { return form_.nnz; }
+    int& getnnz() { return place_.nnz; }
+    int getnnz() const { return place_.nnz; }
     // Element k, or 0 (an empty matrix for cells) when there is none.
     T operator[](int k) const;
 
@@ -345,8 +357,8 @@ public:
     T const& r(double k) const
     {
         unsigned const at = position(k);
-        if (ARRLIB_LIKELY(at < static_cast<unsigned>(form_.nnz) && !issparse()))
-            return re_[at];
+        if (ARRLIB_LIKELY(at < static_cast<unsigned>(place_.nnz) && !issparse()))
+            return place_.re[at];
         return elements::read(*this, arrlib::ElementPart::real, k);
     }
     T const& r(double row, double col) const { return elements::read(*this, arrlib::ElementPart::real, row, col); }
@@ -439,26 +451,24 @@ private:
     // Drops a reference at the end of its block, after the fields have been overwritten.
     class StorageRef {
     public:
-        explicit StorageRef(M const& owner) : re_(owner.re_), shared_(owner.shared_), index_(owner.index_), capacity_(owner.form_.capacity) {}
+        explicit StorageRef(M const& owner) : place_(owner.place_), capacity_(owner.form_.capacity) {}
         ~StorageRef()
         {
-            if (shared_ && arrlib::drop_reference(shared_))
-                arrlib::Storage<T>::release(re_, shared_, index_, capacity_);
+            if (place_.shared && arrlib::drop_reference(place_.shared))
+                arrlib::Storage<T>::release(place_.re, place_.shared, place_.index, capacity_);
         }
         StorageRef(StorageRef const&) = delete;
         StorageRef& operator=(StorageRef const&) = delete;
 
     private:
-        T* re_;
-        arrlib::StorageRecord* shared_;
-        int* index_;
+        arrlib::Place<T> place_;
         int capacity_;
     };
 
     // An empty value without storage.
     struct unmade {};
     M(unmade, char const* name)
-        : MObject(name), form_{0, 2, {0, 0, 0, 0}, 0, 0}, shared_(nullptr), im_(nullptr), re_(nullptr), index_(nullptr)
+        : MObject(name), form_{0, 2, {0, 0, 0, 0}, 0, 0}, place_{nullptr, nullptr, nullptr, 0, {nullptr}}
     {
     }
 
@@ -490,11 +500,11 @@ private:
     void adopt(arrlib::StorageBlock<T> const& block, int count)
     {
         form_.capacity = block.capacity;
-        shared_ = block.record;
-        re_ = block.re;
-        im_ = block.im;
-        index_ = block.index;
-        form_.nnz = count;
+        place_.shared = block.record;
+        place_.re = block.re;
+        place_.im = block.im;
+        place_.index = block.index;
+        place_.nnz = count;
     }
     ARRLIB_COLD void leave_header()
     {
@@ -514,19 +524,14 @@ private:
     }
     void forget_storage()
     {
-        form_.ndims = 2;
-        form_.dims[0] = form_.dims[1] = form_.dims[2] = form_.dims[3] = 0;
-        form_.capacity = form_.nnz = 0;
-        shared_ = nullptr;
-        re_ = im_ = nullptr;
-        index_ = nullptr;
-        form_.flags &= static_cast<unsigned>(kept_marks);
+        form_ = {form_.flags & static_cast<unsigned>(kept_marks), 2, {0, 0, 0, 0}, 0, 0};
+        place_ = {nullptr, nullptr, nullptr, 0, {nullptr}};
     }
     // The end of the value: its fields are read no more, and only where the storage goes with it.
     void drop_storage()
     {
-        if (ARRLIB_LIKELY(shared_ != nullptr) && arrlib::drop_reference(shared_))
-            arrlib::Storage<T>::release(re_, shared_, index_, form_.capacity);
+        if (ARRLIB_LIKELY(place_.shared != nullptr) && arrlib::drop_reference(place_.shared))
+            arrlib::Storage<T>::release(place_.re, place_.shared, place_.index, form_.capacity);
     }
     ARRLIB_COLD void destroy_named();
     ARRLIB_COLD void register_named();
@@ -534,11 +539,11 @@ private:
     void set_flag(unsigned flag, int on) { form_.flags = on ? form_.flags | flag : form_.flags & ~flag; }
     void mark_scalar_variable()
     {
-        if (form_.nnz == 1 && !issparse())
+        if (place_.nnz == 1 && !issparse())
             form_.flags |= scalar_variable_mark;
     }
     // A real full value of one element.
-    bool is_number() const { return form_.nnz == 1 && !im_ && !issparse(); }
+    bool is_number() const { return place_.nnz == 1 && !place_.im && !issparse(); }
     unsigned assigned_flags(M const& other, bool number) const
     {
         unsigned const both = form_.flags & other.form_.flags & scalar_variable_mark;
@@ -548,22 +553,17 @@ private:
     {
         unsigned const flags = assigned_flags(other, other.is_number());
         form_ = other.form_;
+        place_ = other.place_;
         form_.flags = flags;
-        shared_ = other.shared_;
-        re_ = other.re_;
-        im_ = other.im_;
-        index_ = other.index_;
-        if (ARRLIB_UNLIKELY(!shared_))
+        if (ARRLIB_UNLIKELY(!place_.shared))
             take_number(other);
     }
     // After the fields of a value without shared storage were copied.
     void take_number(M const& other)
     {
         if constexpr (std::is_same_v<T, double>)
-            if (other.is_in_header()) {
-                number_ = other.number_;
-                re_ = &number_;
-            }
+            if (other.is_in_header())
+                place_.re = &place_.number;
     }
 
     // Zero-based position of a 1-based subscript, truncated; the largest unsigned for any that
@@ -577,9 +577,9 @@ private:
     {
         if (ARRLIB_UNLIKELY(!in_place()) && !elements::make_writable(*this))
             elements::refuse();
-        if (ARRLIB_UNLIKELY(at >= static_cast<unsigned>(form_.nnz)))
+        if (ARRLIB_UNLIKELY(at >= static_cast<unsigned>(place_.nnz)))
             elements::outside(*this, k);
-        return re_[at];
+        return place_.re[at];
     }
     T& element(unsigned i, unsigned j, double row, double col)
     {
@@ -587,19 +587,11 @@ private:
             elements::refuse();
         if (ARRLIB_UNLIKELY(i >= static_cast<unsigned>(form_.dims[0]) || j >= static_cast<unsigned>(form_.dims[1])))
             elements::outside(*this, row, col);
-        return re_[static_cast<std::size_t>(j) * static_cast<unsigned>(form_.dims[0]) + i];
+        return place_.re[static_cast<std::size_t>(j) * static_cast<unsigned>(form_.dims[0]) + i];
     }
 
     arrlib::Form form_;
-    arrlib::StorageRecord* shared_;
-    T* im_;
-    T* re_;
-    union {
-        // Zero-based positions of the entries of a sparse value.
-        int* index_;
-        // The element of a number that has no storage but this; re_ points to it, and shared_ is null.
-        double number_;
-    };
+    arrlib::Place<T> place_;
 };
 
 template <> ARRLIB_API void M<double>::make_number(double const& value);
@@ -609,12 +601,11 @@ template <> inline void M<double>::become_number(void* chunk, double value)
     using Storage = arrlib::Storage<double>;
     form_ = arrlib::form_in_chunk;
     arrlib::StorageBlock<double> const block = Storage::lay_out(chunk, Storage::scalar_bytes, Storage::scalar_capacity, false);
-    shared_ = block.record;
-    re_ = block.re;
-    re_[0] = value;
+    place_ = {block.record, block.re, nullptr, 1, {nullptr}};
+    place_.re[0] = value;
 }
 
-template <> inline M<double>::M(double const& value) : MObject(nullptr), im_(nullptr), index_(nullptr)
+template <> inline M<double>::M(double const& value) : MObject(nullptr)
 {
     void* const chunk = arrlib::pool.take_chunk();
     if (ARRLIB_UNLIKELY(!chunk)) {
@@ -625,9 +616,13 @@ template <> inline M<double>::M(double const& value) : MObject(nullptr), im_(nul
 }
 
 template <>
-inline M<double>::M(double const& value, arrlib::in_header)
-    : MObject(nullptr), form_(arrlib::form_in_header), shared_(nullptr), im_(nullptr), re_(&number_), number_(value)
+inline M<double>::M(double const& value, arrlib::in_header) : MObject(nullptr), form_(arrlib::form_in_header)
 {
+    place_.shared = nullptr;
+    place_.re = &place_.number;
+    place_.im = nullptr;
+    place_.nnz = 1;
+    place_.number = value;
 }
 
 template <> ARRLIB_API M<M<double>>::M(M<double> const& value);

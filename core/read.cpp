@@ -465,12 +465,12 @@ template <> M<double>::M(Sr<double> const& selection) : M(0.0, in_header())
 {
     M const& target = selection.target();
     int const position = selection.count() > 0 ? position_of(selection) : -1;
-    if (ARRLIB_UNLIKELY(position < 0 || target.im_)) {
+    if (ARRLIB_UNLIKELY(position < 0 || target.place_.im)) {
         *this = arrlib::read(selection);
         return;
     }
     auto const at = static_cast<unsigned>(position);
-    number_ = ARRLIB_UNLIKELY(target.issparse()) ? Elements<double>::readable(target, ElementPart::real, at) : target.re_[at];
+    place_.number = ARRLIB_UNLIKELY(target.issparse()) ? Elements<double>::readable(target, ElementPart::real, at) : target.place_.re[at];
     form_.flags = target.form_.flags & (string_flag | logical_flag);
 }
 template <> M<M<double>>::M(Sr<M<double>> const& selection) : M(arrlib::read(selection)) {}

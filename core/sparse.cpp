@@ -168,10 +168,10 @@ void nx_release_index(int* array)
 
 template <class T> int M<T>::search(int position) const
 {
-    if (!verify_sparse("search") || !index_)
+    if (!verify_sparse("search") || !place_.index)
         return -1;
-    int const found = first_entry_from(index_, form_.nnz, position);
-    return found < form_.nnz && index_[found] == position ? found : -1;
+    int const found = first_entry_from(place_.index, place_.nnz, position);
+    return found < place_.nnz && place_.index[found] == position ? found : -1;
 }
 
 template <class T> void M<T>::unsparse(int n, T* re, T* im) const
@@ -180,18 +180,18 @@ template <class T> void M<T>::unsparse(int n, T* re, T* im) const
         return;
     if constexpr (std::is_same_v<T, double>) {
         if (re)
-            scatter(re, re_, index_, form_.nnz, n);
+            scatter(re, place_.re, place_.index, place_.nnz, n);
         if (im)
-            scatter(im, im_, index_, form_.nnz, n);
+            scatter(im, place_.im, place_.index, place_.nnz, n);
     }
 }
 
 template <class T> void M<T>::extend_nnz(int n)
 {
-    if (!verify_sparse("extend_nnz") || n <= form_.nnz)
+    if (!verify_sparse("extend_nnz") || n <= place_.nnz)
         return;
     if constexpr (std::is_same_v<T, double>) {
-        int const old = form_.nnz;
+        int const old = place_.nnz;
         if (dirty() || n > form_.capacity) {
             // Half as much again, so that adding entries one by one does not copy them each time.
             int const room = std::max(n, std::min(old + old / 2, size()));
@@ -199,17 +199,17 @@ template <class T> void M<T>::extend_nnz(int n)
             if (!has_storage(made))
                 return;
             Access<T>::copy_kind(made, *this);
-            std::copy_n(index_, old, made.index_);
-            Storage<T>::copy(made.re_, re_, old);
-            if (im_)
-                Storage<T>::copy(made.im_, im_, old);
+            std::copy_n(place_.index, old, made.place_.index);
+            Storage<T>::copy(made.place_.re, place_.re, old);
+            if (place_.im)
+                Storage<T>::copy(made.place_.im, place_.im, old);
             *this = std::move(made);
         }
-        std::fill(index_ + old, index_ + n, 0);
-        Storage<T>::clear(re_ + old, n - old);
-        if (im_)
-            Storage<T>::clear(im_ + old, n - old);
-        form_.nnz = n;
+        std::fill(place_.index + old, place_.index + n, 0);
+        Storage<T>::clear(place_.re + old, n - old);
+        if (place_.im)
+            Storage<T>::clear(place_.im + old, n - old);
+        place_.nnz = n;
     }
 }
 
@@ -230,8 +230,8 @@ template <class T> int* M<T>::Jc(col_list_limits_t& limits) const
         return nullptr;
     std::fill_n(starts, columns + 1, 0);
     PositionSplit split(form_.dims[0]);
-    for (int k = 0; k < form_.nnz; ++k) {
-        split.at(index_[k]);
+    for (int k = 0; k < place_.nnz; ++k) {
+        split.at(place_.index[k]);
         widen(limits, split.row(), split.column());
         if (static_cast<unsigned>(split.column()) < static_cast<unsigned>(columns))
             ++starts[split.column() + 1];
@@ -245,12 +245,12 @@ template <class T> int* M<T>::Ir() const
 {
     if (!verify_sparse("Ir") || !std::is_same_v<T, double>)
         return nullptr;
-    int* const list = take_index(std::max(form_.nnz, 1));
+    int* const list = take_index(std::max(place_.nnz, 1));
     if (!list)
         return nullptr;
     PositionSplit split(form_.dims[0]);
-    for (int k = 0; k < form_.nnz; ++k) {
-        split.at(index_[k]);
+    for (int k = 0; k < place_.nnz; ++k) {
+        split.at(place_.index[k]);
         list[k] = split.row();
     }
     return list;
@@ -264,32 +264,32 @@ template <class T> void M<T>::IrJc(int const* ir, int const* jc)
     if (dirty())
         return;
     for (int c = 0; c < form_.dims[1]; ++c)
-        for (int k = std::max(jc[c], 0), end = std::min(jc[c + 1], form_.nnz); k < end; ++k)
-            index_[k] = static_cast<int>(static_cast<unsigned>(ir[k]) + static_cast<unsigned>(c) * static_cast<unsigned>(form_.dims[0]));
+        for (int k = std::max(jc[c], 0), end = std::min(jc[c + 1], place_.nnz); k < end; ++k)
+            place_.index[k] = static_cast<int>(static_cast<unsigned>(ir[k]) + static_cast<unsigned>(c) * static_cast<unsigned>(form_.dims[0]));
 }
 
 template <class T> void M<T>::sort()
 {
     if constexpr (std::is_same_v<T, double>) {
-        if (!verify_sparse("sort") || std::is_sorted(index_, index_ + form_.nnz))
+        if (!verify_sparse("sort") || std::is_sorted(place_.index, place_.index + place_.nnz))
             return;
-        HeapArray<EntryKey> keys(static_cast<std::size_t>(form_.nnz));
+        HeapArray<EntryKey> keys(static_cast<std::size_t>(place_.nnz));
         if (!keys)
             return;
-        for (int k = 0; k < form_.nnz; ++k)
-            keys.data()[k] = entry_key(index_[k], k);
+        for (int k = 0; k < place_.nnz; ++k)
+            keys.data()[k] = entry_key(place_.index[k], k);
         if (!sort_keys(keys))
             return;
-        M made = Access<T>::sparse_with_room(isc(), Dims(form_.ndims, form_.dims), form_.nnz, form_.capacity);
+        M made = Access<T>::sparse_with_room(isc(), Dims(form_.ndims, form_.dims), place_.nnz, form_.capacity);
         if (!has_storage(made))
             return;
         Access<T>::copy_kind(made, *this);
-        for (int k = 0; k < form_.nnz; ++k) {
+        for (int k = 0; k < place_.nnz; ++k) {
             int const from = key_entry(keys.data()[k]);
-            made.index_[k] = key_position(keys.data()[k]);
-            made.re_[k] = re_[from];
-            if (im_)
-                made.im_[k] = im_[from];
+            made.place_.index[k] = key_position(keys.data()[k]);
+            made.place_.re[k] = place_.re[from];
+            if (place_.im)
+                made.place_.im[k] = place_.im[from];
         }
         *this = std::move(made);
     } else {
@@ -304,14 +304,14 @@ template <class T> void M<T>::resparse()
             return;
         if (!dirty()) {
             // Entries only move to the front.
-            form_.nnz = merge_entries(*this, *this);
+            place_.nnz = merge_entries(*this, *this);
             return;
         }
-        M made = sparse_with_room(isc(), Dims(form_.ndims, form_.dims), form_.nnz);
+        M made = sparse_with_room(isc(), Dims(form_.ndims, form_.dims), place_.nnz);
         if (!has_storage(made))
             return;
         Access<T>::copy_kind(made, *this);
-        made.form_.nnz = merge_entries(made, *this);
+        made.place_.nnz = merge_entries(made, *this);
         *this = std::move(made);
     } else {
         error("no sparse cells");
