@@ -174,6 +174,27 @@ template <class T> void assign_colon(M<T>& target, M<T> const& source)
     }
 }
 
+// Writes from[k*step] to to[list[k]], of positions named twice the last.
+void scatter(double* to, Subscript const& selected, double const* from, std::ptrdiff_t step)
+{
+    int const* const list = selected.list();
+    std::ptrdiff_t const count = selected.count();
+    if (selected.is_rising())
+        return parallel_for(count, least_per_thread, [=](std::ptrdiff_t begin, std::ptrdiff_t end) {
+            for (std::ptrdiff_t k = begin; k < end; ++k)
+                to[list[k]] = from[k * step];
+        });
+    // Stores to places far apart wait for each other unless the places are fetched ahead.
+    constexpr std::ptrdiff_t ahead = 16;
+    std::ptrdiff_t k = 0;
+    for (; k + ahead < count; ++k) {
+        __builtin_prefetch(to + list[k + ahead], 1);
+        to[list[k]] = from[k * step];
+    }
+    for (; k < count; ++k)
+        to[list[k]] = from[k * step];
+}
+
 template <class T> void store(M<T>& target, Subscript const& selected, M<T> const& source)
 {
     Source<T> const from(source);
@@ -181,6 +202,10 @@ template <class T> void store(M<T>& target, Subscript const& selected, M<T> cons
     int const n = selected.count();
     if (selected.is_run() && !from.is_single())
         Storage<T>::copy(re + selected.first(), from.re(), n);
+    else if (selected.is_run())
+        std::fill_n(re + selected.first(), n, *from.re());
+    else if constexpr (std::is_same_v<T, double>)
+        scatter(re, selected, from.re(), from.is_single() ? 0 : 1);
     else
         for (int k = 0; k < n; ++k)
             re[selected[k]] = from.re(k);

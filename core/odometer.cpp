@@ -1,13 +1,16 @@
 #include "core/odometer.h"
 
 #include "core/access.h"
+#include "core/read.h"
 #include "core/subscript.h"
 #include "runtime/constants.h"
 #include "runtime/errors.h"
 #include "runtime/report.h"
+#include "runtime/workers.h"
 
 #include <algorithm>
 #include <climits>
+#include <mutex>
 
 namespace arrlib {
 
@@ -59,6 +62,56 @@ bool Subscript::list_nonzeros(M<double> const& index)
     return true;
 }
 
+namespace {
+
+// What is known of positions once they are listed.
+struct Extent {
+    int smallest = INT_MAX, largest = INT_MIN;
+    bool rising = true, below_one = false;
+
+    void join(Extent const& other)
+    {
+        smallest = std::min(smallest, other.smallest);
+        largest = std::max(largest, other.largest);
+        rising &= other.rising;
+        below_one |= other.below_one;
+    }
+};
+
+// Lists the positions of values[begin..end), a stretch at a time: in loops without a decision for each
+// element where all of them are ordinary.
+Extent list_positions(int* list, double const* values, std::ptrdiff_t begin, std::ptrdiff_t end)
+{
+    constexpr std::ptrdiff_t stretch = 512;
+    Extent extent;
+    extent.rising = begin == 0 || zero_based(values[begin - 1]) < zero_based(values[begin]);
+    for (std::ptrdiff_t from = begin; from < end; from += stretch) {
+        std::ptrdiff_t const to = std::min(from + stretch, end);
+        int outside = 0, below_one = 0, falling = 0;
+        for (std::ptrdiff_t k = from; k < to; ++k)
+            outside |= !(values[k] >= 1 && values[k] <= INT_MAX);
+        if (ARRLIB_LIKELY(!outside))
+            for (std::ptrdiff_t k = from; k < to; ++k)
+                list[k] = static_cast<int>(values[k] - 1);
+        else
+            for (std::ptrdiff_t k = from; k < to; ++k) {
+                list[k] = zero_based(values[k]);
+                below_one |= !(values[k] >= 1);
+            }
+        for (std::ptrdiff_t k = std::max(from, begin + 1); k < to; ++k)
+            falling |= list[k] <= list[k - 1];
+        for (std::ptrdiff_t k = from; k < to; ++k) {
+            extent.smallest = std::min(extent.smallest, list[k]);
+            extent.largest = std::max(extent.largest, list[k]);
+        }
+        extent.rising &= !falling;
+        extent.below_one |= below_one != 0;
+    }
+    return extent;
+}
+
+} // namespace
+
 bool Subscript::list_values(M<double> const& index)
 {
     double const* const values = index.addr();
@@ -73,25 +126,19 @@ bool Subscript::list_values(M<double> const& index)
     list_ = HeapArray<int>(static_cast<std::size_t>(stored));
     if (!list_)
         return false;
-    // Kept out of the object, which a store into the list might change for all the compiler knows.
-    int* const list = list_.data();
-    int smallest = INT_MAX, largest = INT_MIN;
-    bool rising = true, below_one = false;
-    std::int64_t before = std::int64_t{INT_MIN} - 1;
-    for (int k = 0; k < stored; ++k) {
-        int const position = zero_based(values[k]);
-        below_one |= !(values[k] >= 1);
-        rising &= position > before;
-        smallest = std::min(smallest, position);
-        largest = std::max(largest, position);
-        before = list[k] = position;
-    }
+    Extent extent;
+    std::mutex joining;
+    parallel_for(stored, least_per_thread, [&extent, &joining, values, list = list_.data()](std::ptrdiff_t begin, std::ptrdiff_t end) {
+        Extent const part = list_positions(list, values, begin, end);
+        std::lock_guard const lock(joining);
+        extent.join(part);
+    });
     count_ = stored;
-    first_ = list[0];
-    smallest_ = smallest;
-    largest_ = largest;
-    rising_ = rising;
-    below_one_ = below_one;
+    first_ = list_[0];
+    smallest_ = extent.smallest;
+    largest_ = extent.largest;
+    rising_ = extent.rising;
+    below_one_ = extent.below_one;
     return true;
 }
 

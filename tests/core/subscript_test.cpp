@@ -238,6 +238,46 @@ TEST(Assigning, GrowsAndFills)
     }
 }
 
+// Long lists are resolved in stretches and by several threads.
+TEST(Assigning, LongListsOfSubscripts)
+{
+    constexpr int n = 200003;
+    struct Case {
+        char const* what;
+        std::function<double(int)> subscript;
+        double bad;
+        int at;
+    } const cases[] = {
+        {"rising", [](int k) { return 2.0 * k + 1; }, 0, 0},
+        {"falling", [](int k) { return n - k + 0.5; }, 0, 0},
+        {"named more than once", [](int k) { return k * 7919LL % 5000 + 1; }, 0, 0},
+        {"falling once, where a thread may begin", [](int k) { return k < 98304 ? k + 50001 : k - 98303; }, 0, 0},
+        {"falling once, where another may", [](int k) { return k < 131072 ? k + 1 : k - 131071; }, 0, 0},
+        {"below one, late", [](int k) { return k + 1; }, 0.5, n - 2},
+        {"not a number, at the start of a stretch", [](int k) { return k + 1; }, std::nan(""), 512},
+    };
+    for (Case const& c : cases) {
+        M<double> index(0, 1, n), source(0, 1, n), a = zeros(1, 1000);
+        std::vector<double> expected(1000);
+        for (int k = 0; k < n; ++k) {
+            index.addr()[k] = c.subscript(k);
+            source.addr()[k] = k + 0.25;
+            auto const at = static_cast<std::size_t>(index.addr()[k]) - 1;
+            expected.resize(std::max(expected.size(), at + 1));
+            expected[at] = source.addr()[k];
+        }
+        if (c.at) {
+            index.addr()[c.at] = c.bad;
+            expected.assign(1000, 0);
+        }
+        capture::Reports reports;
+        a(index) = source;
+        EXPECT_EQ(reports.all().size(), c.at ? 1u : 0u) << c.what;
+        ASSERT_EQ(static_cast<std::size_t>(a.size()), expected.size()) << c.what;
+        EXPECT_TRUE(std::equal(expected.begin(), expected.end(), a.addr())) << c.what;
+    }
+}
+
 TEST(Assigning, KindsAndComplexParts)
 {
     M<double> text = TM("abc");
