@@ -70,7 +70,7 @@ M<double> randM()
 {
     double drawn;
     draw_uniform(&drawn, 1);
-    return M<double>(drawn);
+    return M<double>(drawn, in_header());
 }
 
 M<double> randM(M<double> const& x)
@@ -109,7 +109,7 @@ M<double> randn()
 {
     double drawn;
     draw_normal(&drawn, 1);
-    return M<double>(drawn);
+    return M<double>(drawn, in_header());
 }
 
 M<double> randn(M<double> const& x)
