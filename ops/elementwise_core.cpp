@@ -221,11 +221,14 @@ M<double> straight_elementwise(OpCode op, M<double> const& x, M<double> const& y
     M<double> made = (temporaries & temporary_x) && can_lend(x, count, false)   ? lent(std::move(const_cast<M<double>&>(x)), false)
                      : (temporaries & temporary_y) && can_lend(y, count, false) ? lent(std::move(const_cast<M<double>&>(y)), false)
                                                                                 : Access<double>::full_like(like);
-    if (!has_storage(made))
-        return x_M;
-    Loop(op, false, false).run_on_all_threads(from_x, from_y, made.addr(), nullptr, count);
-    if (find_operation(op)->logical)
-        made.setlogical(1);
+    // One value to return, which is then made where the caller wants it.
+    if (has_storage(made)) {
+        Loop(op, false, false).run_on_all_threads(from_x, from_y, made.addr(), nullptr, count);
+        if (find_operation(op)->logical)
+            made.setlogical(1);
+    } else {
+        made = x_M;
+    }
     return made;
 }
 
