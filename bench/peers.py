@@ -350,6 +350,7 @@ rows = {
         lambda: sp.coo_matrix((triplet_s, (triplet_i, triplet_j)), shape=(10000, 10000)).tocsc(), 3),
     "1e5 reads S(i,j), 1e6 entries": lambda: best(thousand_element_reads, 3) * 100,
     "sparse transpose, 1e6 entries": lambda: best(lambda: sparse.transpose().tocsc(), 3),
+    "sparse A+A', 1e6 entries": lambda: best(lambda: (sparse + sparse.transpose()).tocsc(), 3),
     "sparse [A B], 1e6 entries each": lambda: best(lambda: sp.hstack([sparse, other], format="csc"), 3),
     "sparse [A;B], 1e6 entries each": lambda: best(lambda: sp.vstack([sparse, other], format="csc"), 3),
 }

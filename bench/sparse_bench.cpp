@@ -168,6 +168,26 @@ static void transposed_arma(benchmark::State& state)
 }
 BENCHMARK(transposed_arma)->Name("sparse transpose, 1e6 entries/Armadillo")->Unit(benchmark::kMillisecond);
 
+static void merged(benchmark::State& state)
+{
+    M<double> const x = Triplets().built();
+    for (auto _ : state) {
+        M<double> y = x + transpose(x);
+        benchmark::DoNotOptimize(y.addr());
+    }
+}
+BENCHMARK(merged)->Name("sparse A+A', 1e6 entries/arrlib")->Unit(benchmark::kMillisecond);
+
+static void merged_arma(benchmark::State& state)
+{
+    arma::sp_mat const x = Triplets().armadillo();
+    for (auto _ : state) {
+        arma::sp_mat y = x + x.st();
+        benchmark::DoNotOptimize(y.n_nonzero);
+    }
+}
+BENCHMARK(merged_arma)->Name("sparse A+A', 1e6 entries/Armadillo")->Unit(benchmark::kMillisecond);
+
 static void beside(benchmark::State& state)
 {
     M<double> const a = Triplets().built(), b = Triplets(true).built();
@@ -242,4 +262,14 @@ static void transposed_eigen(benchmark::State& state)
     }
 }
 BENCHMARK(transposed_eigen)->Name("sparse transpose, 1e6 entries/Eigen")->Unit(benchmark::kMillisecond);
+
+static void merged_eigen(benchmark::State& state)
+{
+    Eigen::SparseMatrix<double> const x = Triplets().eigen();
+    for (auto _ : state) {
+        Eigen::SparseMatrix<double> y = x + Eigen::SparseMatrix<double>(x.transpose());
+        benchmark::DoNotOptimize(y.valuePtr());
+    }
+}
+BENCHMARK(merged_eigen)->Name("sparse A+A', 1e6 entries/Eigen")->Unit(benchmark::kMillisecond);
 #endif
