@@ -15,40 +15,34 @@ namespace {
 
 // The angle in [0, pi] of the point (x, y) or (-x, y), for x, y >= 0 whose larger one is within
 // 2^+-1000; the other may be 0.
-template <class V> V angle_of(Pair<V> y, Pair<V> x, typename V::Mask left)
+template <class V> V angle_of(V y, V x, typename V::Mask left)
 {
-    typename V::Mask const steep = y.hi > x.hi;
-    Pair<V> const a = select(steep, x, y), b = select(steep, y, x);
-    typename V::Mask const far = a.hi > b.hi * V(tan_eighth_pi);
-    Pair<V> const difference = sum_of_ordered(-b.hi, a.hi), sum = sum_of_ordered(b.hi, a.hi);
-    V const over = select(far, difference.hi, a.hi), over_low = a.lo + select(far, difference.lo - b.lo, V(0.0));
-    V const under = select(far, sum.hi, b.hi), under_low = b.lo + select(far, sum.lo + a.lo, V(0.0));
+    V const a = smaller(y, x), b = larger(x, y);
+    typename V::Mask const steep = y > x, far = a > b * V(tan_eighth_pi), back = steep ^ left;
+    Pair<V> const difference = sum_of_ordered(-b, a), sum = sum_of_ordered(b, a);
+    V const over = negative_where(back, select(far, difference.hi, a)), over_low = negative_where(back, as_number(difference.lo, far));
+    V const under = select(far, sum.hi, b), under_low = as_number(sum.lo, far);
 
     V const inverse = V(1.0) / under, tangent = over * inverse;
     V const rest = (fma(-tangent, under, over) + fma(-tangent, under_low, over_low)) * inverse;
     V const square = tangent * tangent;
-    V const low = fma(square * tangent, polynomial(square, atan_terms), fma(-rest, square, rest));
+    V const low = fma(square * tangent, polynomial_by_squares(square, atan_terms), fma(-rest, square, rest));
 
-    // So many eighths of a turn, and the angle forth or back from there.
-    V eighths = select(far, V(1.0), V(0.0));
-    eighths = select(steep, V(2.0) - eighths, eighths);
-    eighths = select(left, V(4.0) - eighths, eighths);
-    V const forth = select(steep, V(-1.0), V(1.0)), sign = select(left, -forth, forth);
-    Pair<V> const base = product_of(eighths, V(quarter_pi[0]));
-    V const base_low = fma(eighths, V(quarter_pi[1]), base.lo);
-    Pair<V> const result = sum_of_ordered(base.hi, sign * tangent);
-    return result.hi + (result.lo + fma(sign, low, base_low));
+    // So many eighths of a turn; the angle is forth or back from there. Products with the first part are exact.
+    V const near = as_number(V(1.0), far), in_half = select(steep, V(2.0) - near, near), eighths = select(left, V(4.0) - in_half, in_half);
+    Pair<V> const result = sum_of_ordered(eighths * V(eighth_turn[0]), tangent);
+    return result.hi + fma(eighths, V(eighth_turn[1]), result.lo + low);
 }
 
 struct Atan2 {
     template <class V> static V of(V y, V x)
     {
         V const a = abs(y), b = abs(x);
-        // What a quotient lacks is lost when it is below the least normal number.
-        typename V::Mask const plain = (smaller(a, b) > V(0x1p-950)) & (larger(a, b) < V(0x1p900)), other = !plain;
+        // What a quotient lacks is lost when it is below the least normal number. NaN gets into the one or the other.
+        V const least = smaller(a, b), most = larger(b, a);
         // The sign of a zero tells the side, too.
-        typename V::Mask const left = copy_sign(V(1.0), x) < V(0.0);
-        return other.any() ? of_any(y, x, left) : copy_sign(angle_of(Pair<V>{a, V(0.0)}, Pair<V>{b, V(0.0)}, left), y);
+        typename V::Mask const left = V::Mask::of(x.bits(), V(-0.0).bits());
+        return V::Mask::any_of(not_below(most, V(0x1p900)), not_below(V(0x1p-950), least)) ? of_any(y, x, left) : copy_sign(angle_of(a, b, left), y);
     }
 
 private:
@@ -65,7 +59,7 @@ private:
         a = select(infinity, as_number(V(1.0), abs(y) == V(infinite)), a);
         b = select(infinity, as_number(V(1.0), abs(x) == V(infinite)), b);
         b = select((a == V(0.0)) & (b == V(0.0)), V(1.0), b);
-        V const result = angle_of(Pair<V>{a, V(0.0)}, Pair<V>{b, V(0.0)}, left);
+        V const result = angle_of(a, b, left);
         return select(is_nan(y) | is_nan(x), x + y, copy_sign(result, y));
     }
 };
@@ -73,16 +67,15 @@ private:
 struct Atan {
     template <class V> static V of(V x)
     {
-        Pair<V> const size{smaller(V(0x1p800), abs(x)), V(0.0)}, one{V(1.0), V(0.0)};
-        return copy_sign(angle_of(size, one, x != x), x);
+        return copy_sign(angle_of(smaller(V(0x1p800), abs(x)), V(1.0), x != x), x);
     }
 };
 struct Acot {
     template <class V> static V of(V x)
     {
         V const size = abs(x);
-        Pair<V> const below{smaller(V(0x1p800), size), V(0.0)}, one{V(1.0), V(0.0)};
-        return copy_sign(select(size > V(0x1p800), V(1.0) / size, angle_of(one, below, x != x)), x);
+        V const result = angle_of(V(1.0), smaller(V(0x1p800), size), x != x);
+        return copy_sign(select(size > V(0x1p800), V(1.0) / size, result), x);
     }
 };
 

@@ -28,70 +28,70 @@ constexpr double exp_terms[] = {
     0x1.0000000000001p-1, 0x1.5555555555555p-3, 0x1.55555554e935ep-5, 0x1.11111110eba86p-7, 0x1.6c17ed63c799fp-10,
     0x1.a01af61cb5c0dp-13,
 };
-
-// The bits of the least number that the steps of the logarithm are laid out for.
-constexpr std::uint64_t log_first = 0x3fe8555555555556;
-// 1/x in the middle of a step.
+// 1/x in the middle of a step, those of 11 to 22 fifteenths: the place is their number modulo 16.
 constexpr double log_inverse[] = {
-    0x1.49e112e63a6a8p+0, 0x1.3d1c13d1c13d1p+0, 0x1.314abba098a55p+0, 0x1.2652c7480c437p+0, 0x1.1c1d986a8b192p+0,
-    0x1.12979907269d5p+0, 0x1.09afbd94109afp+0, 0x1p+0, 0x1.e6a74981446f7p-1, 0x1.cb5d4ef40991ep-1, 0x1.b2f9341b2f933p-1,
-    0x1.9d0ac19d0ac19p-1, 0x1.89374bc6a7ef9p-1, 0x1.7734c36b7b1d4p-1, 0x1.66c612afa64e7p-1, 0x1.57b864407292cp-1,
+    0x1.e0011f226a165p-1, 0x1.c3c3ac140ed4ep-1, 0x1.aaaa80d4f9ad4p-1, 0x1.9435d631954bfp-1, 0x1.7fffe5e3afc8bp-1,
+    0x1.6db6bf35d50c3p-1, 0x1.5d173f6af9919p-1, 0x1p+0, 0x1p+0, 0x1p+0, 0x1p+0, 0x1.5194eed90b1e8p+0, 0x1.3fffdccdb60e3p+0,
+    0x1.27626b134b2dap+0, 0x1.111a5e5234888p+0, 0x1p+0,
 };
-// Logarithms to a base: of those inverses, negative, and of 2, both in two parts of which the first is a multiple
-// of 2^-42; and the factor that makes natural logarithms such ones.
+// Logarithms to a base: of 2 over those inverses, and of 2, both in two parts of which the first is a multiple of
+// 2^-42; and the factor that makes natural logarithms such ones. The inverses are chosen so that their natural
+// logarithms have no second parts: there only that of 2 is left.
 struct LogTable {
     double step[16], step_low[16], of_two[2], factor[2];
 };
 constexpr LogTable natural_log = {
-    {-0x1.03a25dcb06p-2, -0x1.b66a7745e8p-3, -0x1.68a266e2f8p-3, -0x1.1db2fe622ap-3, -0x1.aad19489c8p-4, -0x1.1f2b355e9p-4,
-     -0x1.303f46713p-5, 0, 0x1.9fed48a0a8p-5, 0x1.bc5632de88p-4, 0x1.4de7b857bcp-3, 0x1.b7dc1d0462p-3, 0x1.0e4cfbea84p-2,
-     0x1.3e4f3c1b23p-2, 0x1.6c2afccddbp-2, 0x1.980f7350bcp-2},
-    {0x1.edeabb5d12dd5p-43, 0x1.87d8ab2ee149fp-43, 0x1.5fe819d3a478bp-44, 0x1.44e59f3445196p-45, 0x1.42ab8e61210a5p-44,
-     0x1.105e4769ff248p-45, 0x1.eb2c813eef86cp-43, 0, 0x1.c62f941daabe5p-45, 0x1.8dc7d37d14021p-44, 0x1.8eeb6c2290a04p-44,
-     0x1.6ad6a9c5163efp-44, 0x1.dd19459c2c55p-43, 0x1.a9b8b39ab2cf7p-44, 0x1.4996f53afa337p-43, 0x1.acafb62e2e4aep-43},
+    {0x1.83ee2f1464p-1, 0x1.a2f9acf3258p-1, 0x1.c03da26ad98p-1, 0x1.dbec35efc18p-1, 0x1.f62f6349b68p-1, 0x1.0795371cd7p+0,
+     0x1.137de4676ecp+0, 0x1.62e42fefa38p-1, 0x1.62e42fefa38p-1, 0x1.62e42fefa38p-1, 0x1.62e42fefa38p-1, 0x1.aa8365943bp-2,
+     0x1.e149124365p-2, 0x1.199fbf9c99p-1, 0x1.41c78df64e8p-1, 0x1.62e42fefa38p-1},
+    {0x1.ef35793c7673p-45, 0x1.ef35793c7673p-45, 0x1.ef35793c7673p-45, 0x1.ef35793c7673p-45, 0x1.ef35793c7673p-45,
+     0x1.ef35793c7673p-45, 0x1.ef35793c7673p-45, 0x1.ef35793c7673p-45, 0x1.ef35793c7673p-45, 0x1.ef35793c7673p-45,
+     0x1.ef35793c7673p-45, 0x1.ef35793c7673p-45, 0x1.ef35793c7673p-45, 0x1.ef35793c7673p-45, 0x1.ef35793c7673p-45,
+     0x1.ef35793c7673p-45},
     {0x1.62e42fefa38p-1, 0x1.ef35793c7673p-45},
     {0x1p+0, 0},
 };
 constexpr LogTable binary_log = {
-    {-0x1.7692b27925p-2, -0x1.3c400dbed1p-2, -0x1.0424892326p-2, -0x1.9c2d4373cap-3, -0x1.33e27492eep-3, -0x1.9e4c06d588p-4,
-     -0x1.b6ef95ebb8p-5, 0, 0x1.2c071fe494p-4, 0x1.40856c7d62p-3, 0x1.e1b92b13a6p-3, 0x1.3d4ab2ad37p-2, 0x1.85f6254e85p-2,
-     0x1.cb393ac237p-2, 0x1.06b10e68948p-1, 0x1.265a737218p-1},
-    {0x1.56e76bbe12f6ap-46, 0x1.5a3ddc4a257fcp-43, 0x1.15c36bf4c67d5p-46, 0x1.90956a9dc961p-43, 0x1.522b226fc3afap-43,
-     0x1.8fe3007d1975ap-43, 0x1.86e58e5949e4p-43, 0, 0x1.8a821a5567b22p-43, 0x1.4dbee878d3817p-49, 0x1.53ef5ae1725adp-43,
-     0x1.1adce0e6f2fb7p-47, 0x1.a04947f91c717p-43, 0x1.c8dae0d67f2ebp-47, 0x1.cdeb83ce3a93fp-44, 0x1.81fbec9f05938p-44},
+    {0x1.17d527a87dp+0, 0x1.2e3a0eeed8p+0, 0x1.43565d4146cp+0, 0x1.574e3f9c78cp+0, 0x1.6a3ffee2f84p+0, 0x1.7c450b3a9a4p+0,
+     0x1.8d735add144p+0, 0x1p+0, 0x1p+0, 0x1p+0, 0x1p+0, 0x1.33aa0ed52f8p-1, 0x1.5b2c8ee02a8p-1, 0x1.964c2dc63ap-1,
+     0x1.d03acdd491p-1, 0x1p+0},
+    {0x1.bb1d2204e5b53p-45, 0x1.2dfa474993b5ap-44, 0x1.63b91c3d30f14p-43, 0x1.91c9fab5f2286p-44, 0x1.666868c873a4bp-44,
+     0x1.6bbf329732abfp-45, 0x1.d21c996abc2a2p-43, 0, 0, 0, 0, 0x1.9d7ac4d8714b4p-43, 0x1.272bfe402da1dp-45, 0x1.a73ddfd81e6f1p-44,
+     0x1.c38f1a957b4cp-48, 0},
     {0x1p+0, 0},
     {0x1.71547652b82fep+0, 0x1.777d0ffda0d24p-56},
 };
 constexpr LogTable decimal_log = {
-    {-0x1.c307e79408p-4, -0x1.7ccd9e52a4p-4, -0x1.393e382adp-4, -0x1.f04f720aep-5, -0x1.72bae08a4p-5, -0x1.f2dcff5c8p-6,
-     -0x1.08440712bp-6, 0, 0x1.6944fe574p-6, 0x1.81f22acf78p-5, 0x1.2206bdd2d4p-4, 0x1.7e0eb0ac94p-4, 0x1.d58f792d14p-4,
-     0x1.147ae9af26p-3, 0x1.3c4feeb75cp-3, 0x1.626fccd8c4p-3},
-    {0x1.3340933ce4baap-43, 0x1.d20d998722c09p-45, 0x1.90b118b6dd63p-43, 0x1.cd22a6893d45bp-43, 0x1.8433e6356f2c1p-44,
-     0x1.16dc5da056f64p-46, 0x1.82f241c766f85p-44, 0, 0x1.b81a0f2b72964p-44, 0x1.fcfa4ca9d9fa7p-43, 0x1.2caa9219668bp-43,
-     0x1.b90c880172f3p-44, 0x1.418ad07a46938p-43, 0x1.f6c5b20110203p-43, 0x1.cb55dca980484p-43, 0x1.c0127f835385fp-44},
+    {0x1.50f3bacfcdp-2, 0x1.6bead552efp-2, 0x1.8556441daep-2, 0x1.9d619686f8p-2, 0x1.b43143f624p-2, 0x1.c9e3edd374p-2,
+     0x1.de9405f469p-2, 0x1.34413509f7p-2, 0x1.34413509f7p-2, 0x1.34413509f7p-2, 0x1.34413509f7p-2, 0x1.7276f7c47p-3,
+     0x1.a20a0a23b6p-3, 0x1.e93b2497b2p-3, 0x1.177e7f601fp-2, 0x1.34413509f7p-2},
+    {0x1.9e2c69a2194a2p-42, 0x1.145fd810903bdp-42, 0x1.01a1150503eb3p-42, 0x1.1e80d2f91961cp-42, 0x1.a807a42a82acap-43,
+     0x1.1891391b8890cp-42, 0x1.15de06f66e224p-42, 0x1.3fde623e2566bp-43, 0x1.3fde623e2566bp-43, 0x1.3fde623e2566bp-43,
+     0x1.3fde623e2566bp-43, 0x1.697a7b8a34c22p-43, 0x1.0ca96c07a81bp-42, 0x1.42b4ade2bd26cp-42, 0x1.9508e931b845cp-42,
+     0x1.3fde623e2566bp-43},
     {0x1.34413509f7p-2, 0x1.3fde623e2566bp-43},
     {0x1.bcb7b1526e50ep-2, 0x1.95355baaafad3p-57},
 };
-// (log(1 + x) - x)/x^2 for |x| up to 1/32.
+// (log(1 + x) - x)/x^2 for |x| up to 0.042.
 constexpr double log_terms[] = {
-    -0x1.ffffffffffffp-2, 0x1.5555555555542p-2, -0x1.00000000765f3p-2, 0x1.9999999a87f0bp-3, -0x1.555543b3e826p-3,
-    0x1.24923849d1648p-3, -0x1.006b88edb0addp-3, 0x1.c7e42ae64155p-4,
+    -0x1p-1, 0x1.555555555532cp-2, -0x1.000000000007ap-2, 0x1.999999a19a61fp-3, -0x1.5555555893a8p-3, 0x1.249209341a293p-3,
+    -0x1.ffffacb123276p-4, 0x1.c896b0d67a16ep-4, -0x1.9ac950256aca1p-4,
 };
-// (log(1 + x) - x + x^2/2)/x^3 for |x| up to 1/32.
-constexpr double log_cubic_terms[] = {
-    0x1.5555555555555p-2, -0x1.fffffffffff8cp-3, 0x1.9999999999917p-3, -0x1.55555556c7549p-3, 0x1.2492492608572p-3,
-    -0x1.ffffd852ce53bp-4, 0x1.c71c4b582f9f4p-4, -0x1.9a6341bf3692p-4, 0x1.751b2db2ae964p-4,
+// (log(1 + x) - x + x^2/2 - x^3/3)/x^4 for such x.
+constexpr double log_fourth_terms[] = {
+    -0x1p-2, 0x1.99999999995fp-3, -0x1.5555555555618p-3, 0x1.2492492b58004p-3, -0x1.00000002d341fp-3, 0x1.c71c0590b7941p-4,
+    -0x1.999951d107419p-4, 0x1.759d299717b22p-4, -0x1.565a247e6f2d3p-4,
 };
 
 constexpr double two_over_pi = 0x1.45f306dc9c883p-1;
-// pi/2 in three parts, and pi and pi/4 in two.
+// pi/2 in three parts; pi in two, and pi/4 so that small multiples of the first part are exact.
 constexpr double half_pi[] = {
     0x1.921fb54442d18p+0, 0x1.1a62633145c07p-54, -0x1.f1976b7ed8fbcp-110,
 };
 constexpr double pi_parts[] = {
     0x1.921fb54442d18p+1, 0x1.1a62633145c07p-53,
 };
-constexpr double quarter_pi[] = {
+constexpr double eighth_turn[] = {
     0x1.921fb54442d18p-1, 0x1.1a62633145c07p-55,
 };
 // (sin(x)/x - 1)/x^2 and (cos(x) - 1 + x^2/2)/x^4 by powers of x^2, for |x| up to pi/4.
@@ -102,6 +102,34 @@ constexpr double sin_terms[] = {
 constexpr double cos_terms[] = {
     0x1.5555555555555p-5, -0x1.6c16c16c1696p-10, 0x1.a01a019f4d0edp-16, -0x1.27e4fa15bd814p-22, 0x1.1eeb66b683028p-29,
     -0x1.907c0e63adbb5p-37,
+};
+constexpr double steps_per_pi = 0x1.45f306dc9c883p+2;
+// pi/16 in three parts; products of the second with 28 bits are exact.
+constexpr double pi_step[] = {
+    0x1.921fb54442d18p-3, 0x1.1a6263p-57, 0x1.8a2e03707344ap-84,
+};
+// The sines of its multiples and what their rounding lost, and their cosines. The sine of -0 is -0.
+constexpr double sine_step[] = {
+    -0.0, 0x1.8f8b83c69a60bp-3, 0x1.87de2a6aea963p-2, 0x1.1c73b39ae68c8p-1, 0x1.6a09e667f3bcdp-1, 0x1.a9b66290ea1a3p-1,
+    0x1.d906bcf328d46p-1, 0x1.f6297cff75cbp-1, 0x1p+0, 0x1.f6297cff75cbp-1, 0x1.d906bcf328d46p-1, 0x1.a9b66290ea1a3p-1,
+    0x1.6a09e667f3bcdp-1, 0x1.1c73b39ae68c8p-1, 0x1.87de2a6aea963p-2, 0x1.8f8b83c69a60bp-3,
+};
+constexpr double sine_step_low[] = {
+    0, -0x1.26d19b9ff8d82p-57, -0x1.72cedd3d5a61p-57, 0x1.b25dd267f66p-55, -0x1.bdd3413b26456p-55, 0x1.9f630e8b6dac8p-60,
+    0x1.457e610231ac2p-56, 0x1.562172a361fd3p-56, 0, 0x1.562172a361fd3p-56, 0x1.457e610231ac2p-56, 0x1.9f630e8b6dac8p-60,
+    -0x1.bdd3413b26456p-55, 0x1.b25dd267f66p-55, -0x1.72cedd3d5a61p-57, -0x1.26d19b9ff8d82p-57,
+};
+constexpr double cosine_step[] = {
+    0x1p+0, 0x1.f6297cff75cbp-1, 0x1.d906bcf328d46p-1, 0x1.a9b66290ea1a3p-1, 0x1.6a09e667f3bcdp-1, 0x1.1c73b39ae68c8p-1,
+    0x1.87de2a6aea963p-2, 0x1.8f8b83c69a60bp-3, 0, -0x1.8f8b83c69a60bp-3, -0x1.87de2a6aea963p-2, -0x1.1c73b39ae68c8p-1,
+    -0x1.6a09e667f3bcdp-1, -0x1.a9b66290ea1a3p-1, -0x1.d906bcf328d46p-1, -0x1.f6297cff75cbp-1,
+};
+// (sin(x)/x - 1)/x^2 and (cos(x) - 1)/x^2 by powers of x^2, for |x| up to pi/32.
+constexpr double short_sin_terms[] = {
+    -0x1.5555555555555p-3, 0x1.111111111045dp-7, -0x1.a01a0139596a4p-13, 0x1.71cd9a65dc975p-19,
+};
+constexpr double short_cos_terms[] = {
+    -0x1p-1, 0x1.5555555553267p-5, -0x1.6c16c0deceacep-10, 0x1.a00325cde39c7p-16,
 };
 constexpr double tan_eighth_pi = 0x1.a827999fcef32p-2;
 // (atan(x)/x - 1)/x^2 by powers of x^2, for |x| up to tan(pi/8).

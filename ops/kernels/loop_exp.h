@@ -25,7 +25,7 @@ template <class V> struct Exponential {
 template <class V> Exponential<V> exponential_of_parts(V r, V k, V shifted)
 {
     V const step = pick(exp_step, shifted.bits()), low = pick(exp_step_low, shifted.bits());
-    V const growth = fma(r * r, polynomial(r, exp_terms), r);
+    V const growth = fma(r * r, polynomial_by_squares(r, exp_terms), r);
     return {{step, fma(step, growth, low)}, k * V(1.0 / 16)};
 }
 

@@ -1,8 +1,8 @@
 // Logarithms, what is made of them, and powers.
 //
-// x is 2^e m with m in [0.76, 1.52), and m is (1 + r)/c with c from a table of 16 steps: log(x) is
-// e log(2) - log(c) + log(1 + r), |r| at most 1/32. c is 1 in the step around 1, so that nothing
-// cancels there. e log(2) - log(c) is exact but for a small second part, and so is r; the polynomial
+// x is 2^e m with m in [3/4, 3/2), and m is (1 + r)/c with c from a table, by the fifteenth that is nearest
+// to m: log(x) is (e - 1) log(2) + log(2/c) + log(1 + r), |r| at most 1/24. c is 1 in the step around 1,
+// so that nothing cancels there. (e - 1) log(2) + log(2/c) is exact but for a small second part; the polynomial
 // gives only what log(1 + r) has beyond r, or for the pairs, beyond r - r^2/2.
 #ifndef ARRLIB_OPS_KERNELS_LOOP_LOG_H
 #define ARRLIB_OPS_KERNELS_LOOP_LOG_H
@@ -14,68 +14,69 @@ namespace {
 
 constexpr double least_normal = 0x1p-1022;
 
-// x = 2^e (1 + r + r_low) / inverse, the inverse being that of a step.
-template <class V> struct LogParts {
-    V e, r, r_low, inverse, twice_inverse_power;
+// Of a positive, finite and normal x: m, e - 1, and c with its place in the table.
+template <class V> struct LogStep {
+    V m, e_below, inverse;
     typename V::Bits step;
 };
-
-// For a positive, finite and normal x.
-template <class V> LogParts<V> log_parts(V x)
+template <class V> LogStep<V> log_step(V x)
 {
-    using Bits = typename V::Bits;
-    constexpr std::uint64_t one = std::uint64_t{1} << 52, bias = 1024 * one;
-    Bits const place = x.bits() + Bits(bias - log_first), steps = place.template down<48>();
-    // The exponent's bits below those of 2^52 make a number of them.
-    V const e = V::of(place.template down<52>() | V(0x1p52).bits()) - V(0x1p52 + 1024);
-    V const m = V::of((place & Bits(one - 1)) + Bits(log_first)), c = pick(log_inverse, steps);
-    Pair<V> const product = product_of(m, c);
-    // By 2^(1 - e) and a half, since 2^-e need not be a normal number.
-    return {e, product.hi - V(1.0), product.lo, c, V::of(V(2.0).bits() + (m.bits() - x.bits())), steps};
+    V const m = mantissa(x);
+    typename V::Bits const step = fma(m, V(15.0), V(to_integer)).bits();
+    return {m, exponent_below(x), pick(log_inverse, step), step};
 }
 
-// The logarithm as a pair, good to about 2^-66 of it; r and r_low in place of those of the parts.
-template <class V> Pair<V> log_pair_of_parts(LogParts<V> parts, V e, V r, V r_low)
+// The logarithm as a pair, good to about 2^-66 of it; 1 + r + r_low is m c.
+template <class V> Pair<V> log_pair_of_step(LogStep<V> x, V r, V r_low)
 {
-    V const base = fma(e, V(natural_log.of_two[0]), pick(natural_log.step, parts.step));
-    V const base_low = fma(e, V(natural_log.of_two[1]), pick(natural_log.step_low, parts.step));
+    V const base = fma(x.e_below, V(natural_log.of_two[0]), pick(natural_log.step, x.step));
+    V const base_low = fma(x.e_below, V(natural_log.of_two[1]), V(natural_log.of_two[1]));
     Pair<V> const square = product_of(r, r), first = sum_of_ordered(base, r);
-    // first - r^2/2.
-    V const hi = fma(square.hi, V(-0.5), first.hi), lost = fma(square.hi, V(-0.5), first.hi - hi);
+    // first - r^2/2 + r^3/3.
+    V const second = fma(square.hi, V(-0.5), first.hi), second_lost = fma(square.hi, V(-0.5), first.hi - second);
+    V const cube = square.hi * r, third = fma(cube, V(1.0 / 3), second), third_lost = fma(cube, V(1.0 / 3), second - third);
     // d log(1 + r) = (1 - r + r^2 - ...) dr.
-    V const low = fma(square.lo, V(-0.5), fma(square.hi - r, r_low, r_low) + base_low) + (first.lo + lost);
-    return sum_of_ordered(hi, fma(square.hi * r, polynomial(r, log_cubic_terms), low));
+    V const low = fma(square.lo, V(-0.5), fma(square.hi - r, r_low, r_low) + base_low) + (first.lo + second_lost) + third_lost;
+    return sum_of_ordered(third, fma(cube * r, polynomial_by_squares(r, log_fourth_terms), low));
 }
 template <class V> Pair<V> log_pair(V x)
 {
-    LogParts<V> const parts = log_parts(x);
-    return log_pair_of_parts(parts, parts.e, parts.r, parts.r_low);
+    LogStep<V> const parts = log_step(x);
+    Pair<V> const product = product_of(parts.m, parts.inverse);
+    return log_pair_of_step(parts, product.hi - V(1.0), product.lo);
 }
 // log((x + low) 2^exponent).
 template <class V> Pair<V> log_pair(V x, V low, V exponent)
 {
-    LogParts<V> const parts = log_parts(x);
-    Pair<V> const r = sum_of_ordered(parts.r, fma(low * V(0.5) * parts.twice_inverse_power, parts.inverse, parts.r_low));
-    return log_pair_of_parts(parts, parts.e + exponent, r.hi, r.lo);
+    LogStep<V> parts = log_step(x);
+    Pair<V> const product = product_of(parts.m, parts.inverse);
+    // By 2^(1 - e) and a half, since 2^-e need not be a normal number.
+    V const twice_inverse_power = V::of(V(2.0).bits() + (parts.m.bits() - x.bits()));
+    Pair<V> const r = sum_of_ordered(product.hi - V(1.0), fma(low * V(0.5) * twice_inverse_power, parts.inverse, product.lo));
+    parts.e_below = parts.e_below + exponent;
+    return log_pair_of_step(parts, r.hi, r.lo);
 }
 
 template <LogTable const& Table> struct LogToBase {
     template <class V> static V of(V x)
     {
-        return within(x, V(least_normal), V(infinite)).all() ? of_parts(log_parts(x)) : of_any(x);
+        return not_positive_normal(x).any() ? of_any(x) : of_step(log_step(x));
     }
 
 private:
-    template <class V> static V of_parts(LogParts<V> parts)
+    template <class V> static V of_step(LogStep<V> x)
     {
-        V const e = parts.e, r = parts.r;
-        V const base = fma(e, V(Table.of_two[0]), pick(Table.step, parts.step));
-        V const base_low = fma(e, V(Table.of_two[1]), pick(Table.step_low, parts.step));
-        V const low = fma(r * r, polynomial(r, log_terms), fma(-r, parts.r_low, parts.r_low));
+        V const base = fma(x.e_below, V(Table.of_two[0]), pick(Table.step, x.step));
         if constexpr (Table.factor[0] == 1) {
+            // Rounded, which counts for a quarter of an ulp beside the step of 1, and not at all within it.
+            V const r = fma(x.m, x.inverse, V(-1.0));
             Pair<V> const sum = sum_of_ordered(base, r);
-            return sum.hi + (sum.lo + (base_low + low));
+            V const low = fma(x.e_below, V(Table.of_two[1]), V(Table.of_two[1])) + sum.lo;
+            return sum.hi + fma(r * r, polynomial_by_squares(r, log_terms), low);
         } else {
+            Pair<V> const of_r = product_of(x.m, x.inverse);
+            V const r = of_r.hi - V(1.0), low = fma(r * r, polynomial(r, log_terms), fma(-r, of_r.lo, of_r.lo));
+            V const base_low = fma(x.e_below, V(Table.of_two[1]), pick(Table.step_low, x.step));
             Pair<V> const product = product_of(r, V(Table.factor[0])), sum = sum_of_ordered(base, product.hi);
             V const product_low = fma(low, V(Table.factor[0]), fma(r, V(Table.factor[1]), product.lo));
             return sum.hi + (sum.lo + (base_low + product_low));
@@ -84,9 +85,9 @@ private:
     template <class V> ARRLIB_COLD static V of_any(V x)
     {
         typename V::Mask const tiny = x < V(least_normal);
-        LogParts<V> parts = log_parts(select(tiny, x * V(0x1p54), x));
-        parts.e = select(tiny, parts.e - V(54.0), parts.e);
-        V const result = of_parts(parts);
+        LogStep<V> parts = log_step(select(tiny, x * V(0x1p54), x));
+        parts.e_below = select(tiny, parts.e_below - V(54.0), parts.e_below);
+        V const result = of_step(parts);
         V const special = select(x == V(0.0), V(-infinite), select(x > V(0.0), x, V(not_a_number)));
         return select((x > V(0.0)) & (x < V(infinite)), result, special);
     }

@@ -88,6 +88,20 @@ template <class V, std::size_t Size> V polynomial(V x, double const (&terms)[Siz
     V const square = x * x, fourth = square * square;
     return polynomial_part<0, Size>({x, square, fourth, fourth * fourth}, terms);
 }
+// The same with fewer operations, where enough other work goes on meanwhile: every Step-th term in turn, and the
+// even and the odd powers apart.
+template <std::size_t Step = 1, std::size_t First = 0, class V, std::size_t Size> V every_term(V power, double const (&terms)[Size])
+{
+    if constexpr (First + Step >= Size)
+        return V(terms[First]);
+    else
+        return fma(every_term<Step, First + Step>(power, terms), power, V(terms[First]));
+}
+template <class V, std::size_t Size> V polynomial_by_squares(V x, double const (&terms)[Size])
+{
+    V const square = x * x;
+    return fma(every_term<2, 1>(square, terms), x, every_term<2, 0>(square, terms));
+}
 
 } // namespace
 } // namespace arrlib

@@ -12,9 +12,9 @@ struct Power {
     template <class V> static V of(V x, V y)
     {
         Pair<V> const log = log_pair(x), product = product_of(log.hi, y);
-        typename V::Mask const normal = (x >= V(least_normal)) & (x < V(infinite)) & (abs(product.hi) < V(700.0)), other = !normal;
+        typename V::Mask const other = not_positive_normal(x) | not_below(abs(product.hi), V(700.0));
         V const result = exponential(product.hi, fma(log.lo, y, product.lo)).value();
-        return other.any() ? select(normal, result, of_any(x, y)) : result;
+        return other.any() ? select(other, of_any(x, y), result) : result;
     }
 
 private:

@@ -26,7 +26,7 @@ template <class Formula> constexpr void set_paired(KernelSet& set, OpCode op)
 template <class Formula> constexpr void set_elementary_binary(KernelSet& set, OpCode op)
 {
     set.binary[op] = binary_one<Formula>;
-    set.real[op] = long_binary_loop<Formula>;
+    set.real[op] = paired_binary_loop<Formula>;
 }
 
 constexpr KernelSet kernels_of_this_kind(char const* kind)

@@ -1,8 +1,11 @@
 // Sine, cosine and what is made of them.
 //
-// The angle is reduced to at most pi/4 beyond a multiple of pi/2, as a pair; there one polynomial gives
-// the sine or the cosine, lane by lane the one that is wanted. Both begin with terms that are not rounded
-// (x, and 1 - x^2/2), so that the polynomial's rounding counts for a tenth of an ulp.
+// For the sine and the cosine alone the angle is reduced to at most pi/32 beyond a multiple of pi/16, of
+// which tables have the sine and the cosine; addition theorems with two short polynomials do the rest.
+// What is divided later is wanted as pairs: the angle is reduced to at most pi/4 beyond a multiple of pi/2,
+// as a pair; there one polynomial gives the sine or the cosine, lane by lane the one that is wanted. Both
+// begin with terms that are not rounded (x, and 1 - x^2/2), so that the polynomial's rounding counts for a
+// tenth of an ulp.
 #ifndef ARRLIB_OPS_KERNELS_LOOP_TRIG_H
 #define ARRLIB_OPS_KERNELS_LOOP_TRIG_H
 
@@ -82,12 +85,7 @@ template <class V> Pair<V> sine_parts(V hi, V lo, typename V::Bits quarters)
     V const correction = fma(lo, select(cosine, -hi, rest), select(cosine, lost, V(0.0)));
     return {select(cosine, rest, hi), fma(square * select(cosine, square, hi), terms, correction)};
 }
-// sin(x + quarters pi/2), and as a pair.
-template <class V> V sine(Reduced<V> angle, unsigned quarters)
-{
-    typename V::Bits const all = angle.quarters + typename V::Bits(quarters), sign = all.template up<62>() & typename V::Bits(std::uint64_t{1} << 63);
-    return V::of(sine_parts(angle.hi, angle.lo, all).value().bits() ^ sign);
-}
+// sin(x + quarters pi/2) as a pair.
 template <class V> Pair<V> sine_pair(Reduced<V> angle, unsigned quarters)
 {
     typename V::Bits const all = angle.quarters + typename V::Bits(quarters), sign = all.template up<62>() & typename V::Bits(std::uint64_t{1} << 63);
@@ -95,14 +93,59 @@ template <class V> Pair<V> sine_pair(Reduced<V> angle, unsigned quarters)
     return {V::of(sum.hi.bits() ^ sign), V::of(sum.lo.bits() ^ sign)};
 }
 
+// An angle beyond a multiple of pi/16, modulo 32, that stands in the low bits.
+template <class V> struct StepAngle {
+    V hi, lo;
+    typename V::Bits steps;
+};
+// From here on the third part of so many steps would not be small beside the rounding of the first two.
+constexpr double least_angle_of_many_steps = 0x1p25;
+// The steps are to be counted from so many on.
+template <class V> StepAngle<V> reduce_to_step(V x, double from)
+{
+    V const shifted = fma(x, V(steps_per_pi), V(to_integer + from)), n = shifted - V(to_integer + from);
+    // Exact, and so are the products with the second part.
+    V const first = fma(n, V(-pi_step[0]), x), hi = fma(n, V(-pi_step[1]), first);
+    return {hi, fma(n, V(-pi_step[2]), fma(n, V(-pi_step[1]), first - hi)), shifted.bits()};
+}
+template <class V> V sine_of_step(StepAngle<V> angle)
+{
+    using Bits = typename V::Bits;
+    V const step_sine = pick(sine_step, angle.steps), step_cosine = pick(cosine_step, angle.steps), square = angle.hi * angle.hi;
+    // sin(hi + lo) - hi, and cos(hi) - 1.
+    V const growth = fma(angle.hi * square, every_term(square, short_sin_terms), angle.lo);
+    V const fall = square * every_term(square, short_cos_terms);
+    V const rest = fma(step_sine, fall, fma(step_cosine, growth, pick(sine_step_low, angle.steps)));
+    V const sum = fma(step_cosine, angle.hi, step_sine), excess = fma(-step_cosine, angle.hi, sum - step_sine);
+    // Taken from the sum, the correction leaves the sign of zero.
+    V const size = sum - (excess - rest);
+    return V::of(size.bits() ^ (angle.steps.template up<59>() & Bits(std::uint64_t{1} << 63)));
+}
+// The sine of x + from pi/16.
+template <class V> ARRLIB_COLD V sine_of_many_steps(V x, double from)
+{
+    double all[V::count];
+    x.store(all);
+    for (double& one : all)
+        if (__builtin_fabs(one) < least_angle_of_many_steps)
+            one = sine_of_step(reduce_to_step(Lane(one), from)).v;
+        else {
+            Reduced<Lane> const angle = reduce_lane_by_lane(Lane(one));
+            StepAngle<Lane> const step = reduce_to_step(angle.hi, from);
+            one = sine_of_step(StepAngle<Lane>{step.hi, step.lo + angle.lo, step.steps + angle.quarters.template up<3>()}).v;
+        }
+    return V::load(all);
+}
+template <class V> V sine_from(V x, double from)
+{
+    return not_below(abs(x), V(least_angle_of_many_steps)).any() ? sine_of_many_steps(x, from) : sine_of_step(reduce_to_step(x, from));
+}
+
 struct Sin {
-    template <class V> static V of(V x) { return of_angle<Sin>(x); }
-    template <class V> static V of_reduced(Reduced<V> angle) { return sine(angle, 0); }
-    template <class V> static V of_small(V x) { return x; }
+    template <class V> static V of(V x) { return sine_from(x, 0); }
 };
 struct Cos {
-    template <class V> static V of(V x) { return of_angle<Cos>(x); }
-    template <class V> static V of_reduced(Reduced<V> angle) { return sine(angle, 1); }
+    template <class V> static V of(V x) { return sine_from(x, 8); }
 };
 struct Tan {
     template <class V> static V of(V x) { return of_angle<Tan>(x); }

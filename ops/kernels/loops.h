@@ -106,6 +106,16 @@ template <class Formula> [[gnu::flatten]] void paired_unary_loop(RealOperand x, 
 {
     paired_loop<Formula>(z, n, x);
 }
+template <class Formula> [[gnu::flatten]] void paired_binary_loop(RealOperand x, RealOperand y, double* z, std::ptrdiff_t n)
+{
+    using Two = Two<Wide>;
+    Source<Two> const from_x(x), from_y(y);
+    std::ptrdiff_t k = 0;
+    for (; k + Two::count <= n; k += Two::count)
+        Formula::of(from_x(k), from_y(k)).store(z + k);
+    if (k < n)
+        long_loop<Formula>(z + k, n - k, Source<Wide>({x.at + k * x.step, x.step}), Source<Wide>({y.at + k * y.step, y.step}));
+}
 template <class Formula> [[gnu::flatten]] void long_binary_loop(RealOperand x, RealOperand y, double* z, std::ptrdiff_t n)
 {
     long_loop<Formula>(z, n, Source<Wide>(x), Source<Wide>(y));

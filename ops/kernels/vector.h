@@ -39,10 +39,12 @@ struct LaneMask {
 
     LaneMask operator&(LaneMask o) const { return {v && o.v}; }
     LaneMask operator|(LaneMask o) const { return {v || o.v}; }
+    LaneMask operator^(LaneMask o) const { return {v != o.v}; }
     LaneMask operator!() const { return {!v}; }
     // Whether any lane is set, or all; the lanes as bits.
     bool any() const { return v; }
     bool all() const { return v; }
+    static bool any_of(LaneMask x, LaneMask y) { return x.v || y.v; }
     unsigned lanes() const { return v; }
     // Lanes in which one of the bits `among` is set.
     static LaneMask of(LaneBits bits, LaneBits among) { return {(bits.v & among.v) != 0}; }
@@ -80,8 +82,12 @@ struct Lane {
 // a b + c, rounded once.
 inline Lane fma(Lane a, Lane b, Lane c) { return fused(a.v, b.v, c.v); }
 inline Lane select(LaneMask which, Lane yes, Lane no) { return which.v ? yes : no; }
+inline Lane negative_where(LaneMask which, Lane x) { return which.v ? -x : x; }
 // low <= x < high.
 inline LaneMask within(Lane x, Lane low, Lane high) { return (x >= low) & (x < high); }
+// NaN, too.
+inline LaneMask not_below(Lane x, Lane limit) { return !(x < limit); }
+inline LaneMask not_positive_normal(Lane x) { return !within(x, __DBL_MIN__, __builtin_huge_val()); }
 inline Lane abs(Lane x) { return __builtin_fabs(x.v); }
 inline Lane sqrt(Lane x) { return __builtin_sqrt(x.v); }
 inline Lane floor(Lane x) { return __builtin_floor(x.v); }
@@ -106,6 +112,22 @@ inline Lane scale(Lane x, Lane n)
     double const half = (all * 0.5 + to_integer) - to_integer;
     return x.v * power(half) * power(all - half);
 }
+
+// x = 2^e m with m in [3/4, 3/2), for positive normal x: m, and e - 1. The bits of 3/4 and those of numbers half
+// way between two powers of two end in 51 zeros: the difference to them moves the border there to where exponents change.
+constexpr std::uint64_t half_step = std::uint64_t{1} << 51;
+template <class V> V mantissa_by_bits(V x)
+{
+    using Bits = typename V::Bits;
+    return V::of(((x.bits() - Bits(half_step)) & Bits(2 * half_step - 1)) + V(0.75).bits());
+}
+template <class V> V exponent_below_by_bits(V x)
+{
+    // The exponent's bits below those of 2^52 make a number of them.
+    return V::of((x.bits() - typename V::Bits(half_step)).template down<52>() | V(0x1p52).bits()) - V(0x1p52 + 1023);
+}
+inline Lane mantissa(Lane x) { return mantissa_by_bits(x); }
+inline Lane exponent_below(Lane x) { return exponent_below_by_bits(x); }
 
 } // namespace
 } // namespace arrlib

@@ -27,8 +27,10 @@ struct WideMask {
 
     WideMask operator&(WideMask o) const { return {_mm256_and_pd(v, o.v)}; }
     WideMask operator|(WideMask o) const { return {_mm256_or_pd(v, o.v)}; }
+    WideMask operator^(WideMask o) const { return {_mm256_xor_pd(v, o.v)}; }
     WideMask operator!() const { return {_mm256_xor_pd(v, _mm256_castsi256_pd(_mm256_set1_epi64x(-1)))}; }
     bool any() const { return _mm256_movemask_pd(v) != 0; }
+    static bool any_of(WideMask x, WideMask y) { return (x | y).any(); }
     bool all() const { return _mm256_movemask_pd(v) == 15; }
     unsigned lanes() const { return static_cast<unsigned>(_mm256_movemask_pd(v)); }
     static WideMask of(WideBits bits, WideBits among)
@@ -78,7 +80,10 @@ private:
 
 inline Wide fma(Wide a, Wide b, Wide c) { return _mm256_fmadd_pd(a.v, b.v, c.v); }
 inline Wide select(WideMask which, Wide yes, Wide no) { return _mm256_blendv_pd(no.v, yes.v, which.v); }
+inline Wide negative_where(WideMask which, Wide x) { return _mm256_xor_pd(x.v, _mm256_and_pd(which.v, _mm256_set1_pd(-0.0))); }
 inline WideMask within(Wide x, Wide low, Wide high) { return (x >= low) & (x < high); }
+inline WideMask not_below(Wide x, Wide limit) { return {_mm256_cmp_pd(x.v, limit.v, _CMP_NLT_UQ)}; }
+inline WideMask not_positive_normal(Wide x) { return {_mm256_or_pd(not_below(x, __builtin_huge_val()).v, _mm256_cmp_pd(x.v, _mm256_set1_pd(__DBL_MIN__), _CMP_NGE_UQ))}; }
 inline Wide abs(Wide x) { return _mm256_andnot_pd(_mm256_set1_pd(-0.0), x.v); }
 inline Wide sqrt(Wide x) { return _mm256_sqrt_pd(x.v); }
 inline Wide floor(Wide x) { return _mm256_floor_pd(x.v); }
@@ -91,6 +96,8 @@ template <std::size_t Size> Wide pick(double const (&table)[Size], WideBits at)
     return _mm256_i64gather_pd(table, (at & WideBits(Size - 1)).v, 8);
 }
 inline Wide pick(double even, double odd, WideBits at) { return select(WideMask::of(at, WideBits(1)), odd, even); }
+inline Wide mantissa(Wide x) { return mantissa_by_bits(x); }
+inline Wide exponent_below(Wide x) { return exponent_below_by_bits(x); }
 inline Wide scale(Wide x, Wide n)
 {
     // 2^e by the exponent field: e + 1023 stands at the low end of the sum.

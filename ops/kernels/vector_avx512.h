@@ -26,8 +26,10 @@ struct WideMask {
 
     WideMask operator&(WideMask o) const { return {_kand_mask8(v, o.v)}; }
     WideMask operator|(WideMask o) const { return {_kor_mask8(v, o.v)}; }
+    WideMask operator^(WideMask o) const { return {_kxor_mask8(v, o.v)}; }
     WideMask operator!() const { return {_knot_mask8(v)}; }
-    bool any() const { return v != 0; }
+    bool any() const { return any_of(*this, *this); }
+    static bool any_of(WideMask x, WideMask y) { return !_kortestz_mask8_u8(x.v, y.v); }
     bool all() const { return _kortestc_mask8_u8(v, v) != 0; }
     unsigned lanes() const { return v; }
     static WideMask of(WideBits bits, WideBits among) { return {_mm512_test_epi64_mask(bits.v, among.v)}; }
@@ -70,10 +72,14 @@ constexpr __mmask8 all = 255;
 
 inline Wide fma(Wide a, Wide b, Wide c) { return _mm512_fmadd_pd(a.v, b.v, c.v); }
 inline Wide select(WideMask which, Wide yes, Wide no) { return _mm512_mask_blend_pd(which.v, no.v, yes.v); }
+inline Wide negative_where(WideMask which, Wide x) { return _mm512_mask_xor_pd(x.v, which.v, x.v, _mm512_set1_pd(-0.0)); }
 inline WideMask within(Wide x, Wide low, Wide high)
 {
     return {_mm512_mask_cmp_pd_mask(_mm512_cmp_pd_mask(x.v, low.v, _CMP_GE_OQ), x.v, high.v, _CMP_LT_OQ)};
 }
+inline WideMask not_below(Wide x, Wide limit) { return {_mm512_cmp_pd_mask(x.v, limit.v, _CMP_NLT_UQ)}; }
+// Every class that the processor tells apart: the positive normal numbers are in none.
+inline WideMask not_positive_normal(Wide x) { return {_mm512_fpclass_pd_mask(x.v, 255)}; }
 inline Wide abs(Wide x) { return _mm512_abs_pd(x.v); }
 inline Wide sqrt(Wide x) { return _mm512_maskz_sqrt_pd(all, x.v); }
 // Without optimisation g++ has a macro for this, which converts the mask.
@@ -93,6 +99,9 @@ inline Wide pick(double even, double odd, WideBits at)
 {
     return _mm512_maskz_permutexvar_pd(all, at.v, _mm512_setr_pd(even, odd, even, odd, even, odd, even, odd));
 }
+inline Wide mantissa(Wide x) { return _mm512_maskz_getmant_pd(all, x.v, _MM_MANT_NORM_p75_1p5, _MM_MANT_SIGN_src); }
+// As mantissa_by_bits has it. Of the least numbers the bits are those of a denormal one, which has its exponent, too.
+inline Wide exponent_below(Wide x) { return _mm512_maskz_getexp_pd(all, _mm512_castsi512_pd((x.bits() - WideBits(half_step)).v)); }
 inline Wide scale(Wide x, Wide n) { return _mm512_maskz_scalef_pd(all, x.v, n.v); }
 
 } // namespace

@@ -29,8 +29,10 @@ template <class V> struct TwoMask {
 
     TwoMask operator&(TwoMask o) const { return {a & o.a, b & o.b}; }
     TwoMask operator|(TwoMask o) const { return {a | o.a, b | o.b}; }
+    TwoMask operator^(TwoMask o) const { return {a ^ o.a, b ^ o.b}; }
     TwoMask operator!() const { return {!a, !b}; }
-    bool any() const { return (a | b).any(); }
+    bool any() const { return V::Mask::any_of(a, b); }
+    static bool any_of(TwoMask x, TwoMask y) { return (x | y).any(); }
     bool all() const { return (a & b).all(); }
     unsigned lanes() const { return a.lanes() | b.lanes() << V::count; }
     static TwoMask of(TwoBits<typename V::Bits> bits, TwoBits<typename V::Bits> among) { return {V::Mask::of(bits.a, among.a), V::Mask::of(bits.b, among.b)}; }
@@ -68,7 +70,12 @@ template <class V> struct Two {
 
 template <class V> Two<V> fma(Two<V> x, Two<V> y, Two<V> z) { return {fma(x.a, y.a, z.a), fma(x.b, y.b, z.b)}; }
 template <class V> Two<V> select(TwoMask<V> which, Two<V> yes, Two<V> no) { return {select(which.a, yes.a, no.a), select(which.b, yes.b, no.b)}; }
+template <class V> Two<V> negative_where(TwoMask<V> which, Two<V> x) { return {negative_where(which.a, x.a), negative_where(which.b, x.b)}; }
 template <class V> TwoMask<V> within(Two<V> x, Two<V> low, Two<V> high) { return {within(x.a, low.a, high.a), within(x.b, low.b, high.b)}; }
+template <class V> TwoMask<V> not_below(Two<V> x, Two<V> limit) { return {not_below(x.a, limit.a), not_below(x.b, limit.b)}; }
+template <class V> TwoMask<V> not_positive_normal(Two<V> x) { return {not_positive_normal(x.a), not_positive_normal(x.b)}; }
+template <class V> Two<V> mantissa(Two<V> x) { return {mantissa(x.a), mantissa(x.b)}; }
+template <class V> Two<V> exponent_below(Two<V> x) { return {exponent_below(x.a), exponent_below(x.b)}; }
 template <class V> Two<V> abs(Two<V> x) { return {abs(x.a), abs(x.b)}; }
 template <class V> Two<V> sqrt(Two<V> x) { return {sqrt(x.a), sqrt(x.b)}; }
 template <class V> Two<V> floor(Two<V> x) { return {floor(x.a), floor(x.b)}; }

@@ -18,7 +18,9 @@ mp.dps = 60
 
 
 def hexadecimal(number):
-    """The nearest double, as it is written in C++."""
+    """The nearest double, as it is written in C++; a text stays."""
+    if isinstance(number, str):
+        return number
     value = float(number)
     if value in (mpmath.inf, -mpmath.inf) or value != value:
         return {"inf": "infinite", "-inf": "-infinite"}.get(str(value), "not_a_number")
@@ -78,24 +80,37 @@ def odd_fit(f, high, count):
     return fit(quotient, mpf(10) ** -18, mpf(high) ** 2, count)
 
 
-EXP_STEPS = LOG_STEPS = 16
-# The steps of the logarithm are of equal width in the bits of a number; 1 lies in the seventh, with
-# two thirds of the step below it, so that it reaches as far below 1 as above.
-LOG_STEP_OF_ONE = 7
+EXP_STEPS = LOG_STEPS = SINE_STEPS = 16
+# The logarithm's grid, and how close to it those of the steps shall be.
+LOG_GRID, LOG_RESIDUAL = 42, 76
+
+
+def near_grid(center):
+    """A double near `center` whose logarithm is next to a multiple of 2^-LOG_GRID; that multiple, negative.
+
+    Multiples are tried in turn; the numbers that have them as logarithms are integers here, in units of
+    2^-scale, and one is taken where its bits below a double's last are nearly 0."""
+    scale = 160
+    multiple = int(mpmath.nint(-mpmath.log(center) * mpf(2) ** LOG_GRID))
+    number_ = int(mpmath.exp(-mpf(multiple) / mpf(2) ** LOG_GRID) * mpf(2) ** scale)
+    shrink = int((1 - mpmath.exp(-mpf(2) ** -LOG_GRID)) * mpf(2) ** scale)
+    below = scale - (53 if center < 1 else 52)
+    mask, near = (1 << below) - 1, 1 << (scale - LOG_RESIDUAL)
+    while near < (number_ & mask) < mask + 1 - near:
+        number_ -= number_ * shrink >> scale
+        multiple += 1
+    return mpf(float(mpf(number_) / mpf(2) ** scale)), mpf(multiple) / mpf(2) ** LOG_GRID
 
 
 def log_steps():
-    bits = 52 - 4
-    one = 1023 << 52
-    first = one - (3 * LOG_STEP_OF_ONE + 2) * (1 << bits) // 3
-
-    def value(place):
-        return (1 + mpf(place & ((1 << 52) - 1)) / mpf(2) ** 52) * mpf(2) ** ((place >> 52) - 1023)
-
-    edges = [value(first + k * (1 << bits)) for k in range(LOG_STEPS + 1)]
-    inverses = [mpf(float(2 / (low + high))) for low, high in zip(edges, edges[1:])]
-    inverses[LOG_STEP_OF_ONE] = mpf(1)
-    return first, inverses
+    """By the fifteenth that a number in [3/4, 3/2) is nearest to: c and -log(c)."""
+    steps = [(mpf(1), mpf(0))] * LOG_STEPS
+    for k in range(11, 23):
+        low, high = max(k - 0.5, 11.25), min(k + 0.5, 22.5)
+        if k != 15:
+            # Where logarithms are smallest, beside the step of 1, x c - 1 must be below 1/32 or it is rounded too much.
+            steps[k % LOG_STEPS] = near_grid({14: mpf(15) * 33 / 32 / high, 16: mpf(15) * 31 / 32 / low * 1.00001}.get(k, mpf(30) / (low + high)))
+    return steps
 
 
 def constants():
@@ -115,32 +130,45 @@ def constants():
     array("(exp(x) - 1 - x)/x^2 for |x| up to log(2)/32.", "exp_terms",
           fit(lambda x: (mpmath.exp(x) - 1 - x) / x ** 2, -step * 1.0002, step * 1.0001, 6))
 
-    first, inverses = log_steps()
-    print("\n// The bits of the least number that the steps of the logarithm are laid out for.")
-    print("constexpr std::uint64_t log_first = 0x%x;" % first)
-    array("1/x in the middle of a step.", "log_inverse", inverses)
-    print("// Logarithms to a base: of those inverses, negative, and of 2, both in two parts of which the first is a multiple")
-    print("// of 2^-42; and the factor that makes natural logarithms such ones.")
+    steps = log_steps()
+    inverses = [c for c, _ in steps]
+    array("1/x in the middle of a step, those of 11 to 22 fifteenths: the place is their number modulo 16.", "log_inverse", inverses)
+    print("// Logarithms to a base: of 2 over those inverses, and of 2, both in two parts of which the first is a multiple of")
+    print("// 2^-42; and the factor that makes natural logarithms such ones. The inverses are chosen so that their natural")
+    print("// logarithms have no second parts: there only that of 2 is left.")
     print("struct LogTable {\n    double step[%d], step_low[%d], of_two[2], factor[2];\n};" % (LOG_STEPS, LOG_STEPS))
     for name, base in (("natural_log", mpmath.e), ("binary_log", mpf(2)), ("decimal_log", mpf(10))):
-        logs = [parts(-mpmath.log(c) / mpmath.log(base), [-42, None]) for c in inverses]
+        of_two = parts(ln2 / mpmath.log(base), [-LOG_GRID, None])
+        if base == mpmath.e:
+            logs = [(step, mpf(0)) for _, step in steps]
+        else:
+            logs = [parts(-mpmath.log(c) / mpmath.log(base), [-LOG_GRID, None]) for c in inverses]
         print("constexpr LogTable %s = {" % name)
-        for column in ([p[0] for p in logs], [p[1] for p in logs], parts(ln2 / mpmath.log(base), [-42, None]),
-                       parts(1 / mpmath.log(base), [None, None])):
+        for column in ([p[0] + of_two[0] for p in logs], [p[1] + of_two[1] for p in logs], of_two, parts(1 / mpmath.log(base), [None, None])):
             lines("    {", map(hexadecimal, column), "},")
         print("};")
-    array("(log(1 + x) - x)/x^2 for |x| up to 1/32.", "log_terms",
-          fit(lambda x: (mpmath.log1p(x) - x) / x ** 2, -0.03201, 0.032, 8))
-    array("(log(1 + x) - x + x^2/2)/x^3 for |x| up to 1/32.", "log_cubic_terms",
-          fit(lambda x: (mpmath.log1p(x) - x + x * x / 2) / x ** 3, -0.03201, 0.032, 9))
+    array("(log(1 + x) - x)/x^2 for |x| up to 0.042.", "log_terms",
+          fit(lambda x: (mpmath.log1p(x) - x) / x ** 2, -0.0419, 0.042, 9))
+    array("(log(1 + x) - x + x^2/2 - x^3/3)/x^4 for such x.", "log_fourth_terms",
+          fit(lambda x: (mpmath.log1p(x) - x + x * x / 2 - x ** 3 / 3) / x ** 4, -0.0419, 0.042, 9))
     print()
     number("two_over_pi", 2 / pi)
-    array("pi/2 in three parts, and pi and pi/4 in two.", "half_pi", parts(pi / 2, [None, None, None]))
+    array("pi/2 in three parts; pi in two, and pi/4 so that small multiples of the first part are exact.", "half_pi", parts(pi / 2, [None, None, None]))
     array("", "pi_parts", parts(pi, [None, None]))
-    array("", "quarter_pi", parts(pi / 4, [None, None]))
+    array("", "eighth_turn", parts(pi / 4, [-50, None]))
     array("(sin(x)/x - 1)/x^2 and (cos(x) - 1 + x^2/2)/x^4 by powers of x^2, for |x| up to pi/4.", "sin_terms",
           odd_fit(mpmath.sin, pi / 4 * 1.001, 6))
     array("", "cos_terms", fit(lambda s: (mpmath.cos(mpmath.sqrt(s)) - 1 + s / 2) / s ** 2, mpf(10) ** -14, (pi / 4 * 1.001) ** 2, 6))
+    number("steps_per_pi", SINE_STEPS / pi)
+    array("pi/16 in three parts; products of the second with 28 bits are exact.", "pi_step", parts(pi / SINE_STEPS, [None, -81, None]))
+    sines = [parts(mpmath.sin(k * pi / SINE_STEPS), [None, None]) for k in range(SINE_STEPS)]
+    print("// The sines of its multiples and what their rounding lost, and their cosines. The sine of -0 is -0.")
+    array("", "sine_step", ["-0.0"] + [p[0] for p in sines[1:]])
+    array("", "sine_step_low", [p[1] for p in sines])
+    array("", "cosine_step", [mpmath.cos(k * pi / SINE_STEPS) if k != SINE_STEPS // 2 else mpf(0) for k in range(SINE_STEPS)])
+    step = pi / SINE_STEPS / 2 * mpf(1.001)
+    array("(sin(x)/x - 1)/x^2 and (cos(x) - 1)/x^2 by powers of x^2, for |x| up to pi/32.", "short_sin_terms", odd_fit(mpmath.sin, step, 4))
+    array("", "short_cos_terms", fit(lambda s: (mpmath.cos(mpmath.sqrt(s)) - 1) / s, mpf(10) ** -14, step ** 2, 4))
     number("tan_eighth_pi", mpmath.tan(pi / 8))
     array("(atan(x)/x - 1)/x^2 by powers of x^2, for |x| up to tan(pi/8).", "atan_terms", odd_fit(mpmath.atan, mpmath.tan(pi / 8) * 1.0001, 11))
     array("(asin(x)/x - 1)/x^2 by powers of x^2, for |x| up to 1/2.", "asin_terms", odd_fit(mpmath.asin, 0.5001, 13))
