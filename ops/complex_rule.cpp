@@ -77,7 +77,7 @@ bool makes_complex(ComplexRule rule, double const* x, std::ptrdiff_t n)
     KernelSet const& kernels = kernel_set();
     switch (rule) {
     case ComplexRule::below_0:
-        return kernels.any_outside(x, n, 0, inf);
+        return kernels.any_negative(x, n);
     case ComplexRule::outside_1:
         return kernels.any_outside(x, n, -1, 1);
     case ComplexRule::inside_1:
@@ -104,7 +104,11 @@ bool is_complex_result(ComplexRule rule, M<double> const& x, M<double> const& y)
     case ComplexRule::with_nonzero_imaginary:
         return complex && any_block(x.addi(), x.getnnz(), any_nonzero);
     case ComplexRule::power:
-        return complex || y.isc() || (any_makes_complex(ComplexRule::below_0, x) && !all_integers(y));
+        if (complex || y.isc())
+            return true;
+        if (y.size() == 1)
+            return !all_integers(y) && any_makes_complex(ComplexRule::below_0, x);
+        return any_makes_complex(ComplexRule::below_0, x) && !all_integers(y);
     case ComplexRule::inside_1:
     case ComplexRule::below_1:
         return complex || has_implicit_zeros(x) || any_makes_complex(rule, x);

@@ -21,6 +21,12 @@ namespace {
 // Fewer elements than this are not worth another thread.
 constexpr std::ptrdiff_t least_per_thread = 16384;
 
+ComplexOperand tail(ComplexOperand x, std::ptrdiff_t from)
+{
+    std::ptrdiff_t const at = from * x.step;
+    return {x.re + at, x.im ? x.im + at : nullptr, x.step};
+}
+
 // The loop that computes an operation of given operands.
 struct Loop {
     RealLoop real = nullptr;
@@ -50,13 +56,6 @@ struct Loop {
         parallel_for(n, least_per_thread, [&](std::ptrdiff_t from, std::ptrdiff_t to) {
             run(tail(x, from), tail(y, from), re + from, im ? im + from : nullptr, to - from);
         });
-    }
-
-private:
-    static ComplexOperand tail(ComplexOperand x, std::ptrdiff_t from)
-    {
-        std::ptrdiff_t const at = from * x.step;
-        return {x.re + at, x.im ? x.im + at : nullptr, x.step};
     }
 };
 
@@ -171,23 +170,33 @@ M<double> full_result(OpCode op, M<double>&& x, M<double>&& y, bool complex)
     return made;
 }
 
+// Whether the elements of x alone may tell that the result is real: by which rule, if not `never`.
+ComplexRule rule_for_x(ComplexRule rule, M<double> const& x, M<double> const& y)
+{
+    if (!is_plain(x) || !is_plain(y) || (y.size() != 1 && !std::equal(x.getdims(), x.getdims() + max_dims, y.getdims())))
+        return ComplexRule::never;
+    if (rule == ComplexRule::power)
+        return ComplexRule::below_0;
+    return depends_on_elements(rule) ? rule : ComplexRule::never;
+}
+
 // The real results of a full x whose elements decide whether they are real: each block is looked at just
-// before it is computed. Without storage when one of its elements has a complex result.
-M<double> real_result(OpCode op, ComplexRule rule, M<double> const& x)
+// after it has been computed, when it lies in the nearest cache. Without storage when one of its elements may have a complex result.
+M<double> real_result(OpCode op, ComplexRule rule, M<double> const& x, M<double> const& y)
 {
     constexpr std::ptrdiff_t block = 1024;
     M<double> made = Access<double>::full(false, Dims(max_dims, x.getdims()));
     if (!has_storage(made))
         return made;
     Loop const loop(op, false, false);
+    ComplexOperand const from_y = operand(y, y.size() == 1);
     std::atomic<bool> complex{false};
     parallel_for(x.size(), least_per_thread, [&](std::ptrdiff_t from, std::ptrdiff_t to) {
         for (; from < to && !complex.load(std::memory_order_relaxed); from += block) {
             std::ptrdiff_t const n = std::min(block, to - from);
+            loop.run({x.addr() + from, nullptr, 1}, tail(from_y, from), made.addr() + from, nullptr, n);
             if (makes_complex(rule, x.addr() + from, n))
                 complex.store(true, std::memory_order_relaxed);
-            else
-                loop.run({x.addr() + from, nullptr, 1}, {}, made.addr() + from, nullptr, n);
         }
     });
     return complex ? Access<double>::without_storage() : made;
@@ -237,8 +246,9 @@ M<double> elementwise(OpCode op, M<double>&& x, M<double>&& y)
     Operation const& row = *find_operation(op);
     M<double> made = Access<double>::without_storage();
     // Where the results may not take the place of the elements, a look ahead costs as much as they do.
-    if (depends_on_elements(row.complex) && is_plain(x) && y.size() == 1 && !can_lend(x, x.size(), false)) {
-        made = real_result(op, row.complex, x);
+    ComplexRule const rule = rule_for_x(row.complex, x, y);
+    if (rule != ComplexRule::never && !can_lend(x, x.size(), false)) {
+        made = real_result(op, rule, x, y);
         if (has_storage(made))
             return made;
     }

@@ -19,6 +19,8 @@ struct KernelSet {
     // be what is looked for.
     bool (*any_outside)(double const* x, std::ptrdiff_t n, double low, double high);
     bool (*any_inside)(double const* x, std::ptrdiff_t n, double low, double high);
+    // Whether an element is below 0.
+    bool (*any_negative)(double const* x, std::ptrdiff_t n);
 };
 
 // The best kind that this processor has, or the one named by the environment variable

@@ -35,6 +35,7 @@ constexpr KernelSet kernels_of_this_kind(char const* kind)
     set.kind = kind;
     set.any_outside = any_element<Outside>;
     set.any_inside = any_element<Inside>;
+    set.any_negative = any_below_zero;
 
     set_elementary<Acos>(set, op_acos);
     set_elementary<Acosh>(set, op_acosh);

@@ -140,6 +140,18 @@ struct Inside {
     template <class V> static typename V::Mask of(V x, V low, V high) { return (x > low) & (x < high); }
 };
 
+// Signs are quick to look for, and only zeros and NaN have them but are not below 0.
+[[gnu::flatten]] inline bool any_below_zero(double const* x, std::ptrdiff_t n)
+{
+    typename Wide::Bits all(0);
+    std::ptrdiff_t k = 0;
+    for (; k + Wide::count <= n; k += Wide::count)
+        all = all | Wide::load(x + k).bits();
+    if (Wide::count > 1 && k < n)
+        all = all | Wide::load(x + k, static_cast<int>(n - k)).bits();
+    return Wide::Mask::of(all, Wide(-0.0).bits()).any() && any_element<Outside>(x, n, 0, __builtin_huge_val());
+}
+
 template <class Formula> [[gnu::flatten]] double unary_one(double x) { return Formula::of(Lane(x)).v; }
 template <class Formula> [[gnu::flatten]] double binary_one(double x, double y) { return Formula::of(Lane(x), Lane(y)).v; }
 
