@@ -42,30 +42,43 @@ public:
         }
         return nullptr;
     }
-    // False when there is no room for it.
+    // False for one that is larger than all that is kept. Others go where there is no room.
     bool keep(void* block, std::size_t size)
     {
-        if (total_.fetch_add(size, std::memory_order_relaxed) + size <= most_kept)
-            for (std::atomic<void*>& slot : slots_) {
-                void* free_slot = nullptr;
-                if (slot.compare_exchange_strong(free_slot, block, std::memory_order_release, std::memory_order_relaxed))
-                    return true;
-            }
-        total_.fetch_sub(size, std::memory_order_relaxed);
-        return false;
+        if (size > most_kept)
+            return false;
+        total_.fetch_add(size, std::memory_order_relaxed);
+        for (std::size_t tried = 0; tried < slots_count && total_.load(std::memory_order_relaxed) > most_kept; ++tried)
+            give_back(next_slot(), nullptr);
+        for (std::atomic<void*>& slot : slots_) {
+            void* free_slot = nullptr;
+            if (slot.compare_exchange_strong(free_slot, block, std::memory_order_release, std::memory_order_relaxed))
+                return true;
+        }
+        give_back(next_slot(), block);
+        return true;
     }
     void give_back()
     {
         for (std::atomic<void*>& slot : slots_)
-            if (void* const block = slot.exchange(nullptr, std::memory_order_acquire)) {
-                total_.fetch_sub(heap_block_size(block), std::memory_order_relaxed);
-                std::free(block);
-            }
+            give_back(slot, nullptr);
     }
 
 private:
-    std::atomic<void*> slots_[8] = {};
-    std::atomic<std::size_t> total_ = 0;
+    static constexpr std::size_t slots_count = 8;
+
+    std::atomic<void*>& next_slot() { return slots_[next_.fetch_add(1, std::memory_order_relaxed) % slots_count]; }
+    // Puts another block in the place of the one that is there.
+    void give_back(std::atomic<void*>& slot, void* other)
+    {
+        if (void* const block = slot.exchange(other, std::memory_order_acq_rel)) {
+            total_.fetch_sub(heap_block_size(block), std::memory_order_relaxed);
+            std::free(block);
+        }
+    }
+
+    std::atomic<void*> slots_[slots_count] = {};
+    std::atomic<std::size_t> total_ = 0, next_ = 0;
 };
 
 constinit KeptBlocks kept_blocks;

@@ -48,6 +48,22 @@ TEST(Heap, KeepsNoMoreThanItsShare)
     heap_release(huge);
 }
 
+// Blocks of sizes that are no longer asked for make room: the pages of the last one still bear what was written.
+TEST(Heap, KeepsTheLastBlocksNotTheFirst)
+{
+    for (std::size_t size = 1; size <= 12; ++size)
+        heap_release(heap_allocate(size * mib));
+    for (int round = 0; round < 12; ++round) {
+        auto* const block = static_cast<char*>(heap_allocate(80 * mib));
+        ASSERT_NE(block, nullptr);
+        if (round > 0) {
+            EXPECT_EQ(block[79 * mib], 'x') << round;
+        }
+        block[79 * mib] = 'x';
+        heap_release(block);
+    }
+}
+
 } // namespace
 
 #endif
