@@ -68,9 +68,7 @@ M<double> set_state(M<double> const& y)
 
 M<double> randM()
 {
-    double drawn;
-    draw_uniform(&drawn, 1);
-    return M<double>(drawn, in_header());
+    return M<double>(draw_uniform(), in_header());
 }
 
 M<double> randM(M<double> const& x)
@@ -107,9 +105,7 @@ M<double> randM(M<double> const& m, M<double> const& n, M<double> const& p, M<do
 
 M<double> randn()
 {
-    double drawn;
-    draw_normal(&drawn, 1);
-    return M<double>(drawn, in_header());
+    return M<double>(draw_normal(), in_header());
 }
 
 M<double> randn(M<double> const& x)

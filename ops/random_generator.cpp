@@ -381,6 +381,18 @@ double RandSeed::external() const
 
 // --- the generators of the process -----------------------------------------------------------------
 
+double draw_uniform()
+{
+    LockGuard const guard(Lock::random);
+    return rand_uses_state ? rand_state.draw() : rand_seed.draw();
+}
+
+double draw_normal()
+{
+    LockGuard const guard(Lock::random);
+    return randn_seed.draw_normal();
+}
+
 void draw_uniform(double* to, int count)
 {
     LockGuard const guard(Lock::random);

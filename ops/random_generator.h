@@ -73,6 +73,9 @@ extern int rand_uses_state;
 // `count` draws from the generator selected; `count` normal ones. Both take the lock.
 void draw_uniform(double* to, int count);
 void draw_normal(double* to, int count);
+// One draw, a short way.
+double draw_uniform();
+double draw_normal();
 
 // --- seeding ---------------------------------------------------------------------------------------
 

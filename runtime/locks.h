@@ -32,12 +32,23 @@ enum class Lock { files = 0, random = 1, pool = 2 };
 // Locks are taken one at a time, never nested.
 class LockGuard {
 public:
-    explicit LockGuard(Lock lock) noexcept;
-    ~LockGuard();
+    explicit LockGuard(Lock lock) noexcept : lock_(lock), held_(multi_threaded())
+    {
+        if (ARRLIB_UNLIKELY(held_))
+            take(lock);
+    }
+    ~LockGuard()
+    {
+        if (ARRLIB_UNLIKELY(held_))
+            release(lock_);
+    }
     LockGuard(LockGuard const&) = delete;
     LockGuard& operator=(LockGuard const&) = delete;
 
 private:
+    ARRLIB_COLD static void take(Lock lock) noexcept;
+    ARRLIB_COLD static void release(Lock lock) noexcept;
+
     Lock lock_;
     bool held_;
 };

@@ -38,16 +38,14 @@ void run_on_thread(M<double> (*function)())
 
 } // namespace
 
-LockGuard::LockGuard(Lock lock) noexcept : lock_(lock), held_(multi_threaded())
+void LockGuard::take(Lock lock) noexcept
 {
-    if (held_)
-        locks[static_cast<int>(lock_)].lock();
+    locks[static_cast<int>(lock)].lock();
 }
 
-LockGuard::~LockGuard()
+void LockGuard::release(Lock lock) noexcept
 {
-    if (held_)
-        locks[static_cast<int>(lock_)].unlock();
+    locks[static_cast<int>(lock)].unlock();
 }
 
 } // namespace arrlib

@@ -26,26 +26,58 @@ ARRLIB_COLD void times_again(unsigned which, Wide const (&part)[4], Wide& re, Wi
     im = Wide::load(to_im);
 }
 
-// Operands that both have imaginary parts.
-[[gnu::flatten]] inline void complex_times_loop(ComplexOperand x, ComplexOperand y, double* re, double* im, std::ptrdiff_t n)
-{
-    Source<Wide> const x_re({x.re, x.step}), x_im({x.im, x.step}), y_re({y.re, y.step}), y_im({y.im, y.step});
-    for (std::ptrdiff_t k = 0; k < n; k += Wide::count) {
-        bool const full = n - k >= Wide::count;
-        auto const part = [=](Source<Wide> const& of) { return full ? of(k) : of(k, n - k); };
-        Wide const from[] = {part(x_re), part(x_im), part(y_re), part(y_im)};
-        Wide to_re = from[0] * from[2] - from[1] * from[3], to_im = from[0] * from[3] + from[1] * from[2];
-        auto const infinite = !((to_re - to_re) + (to_im - to_im) == Wide(0.0));
-        if (__builtin_expect(infinite.any(), false))
-            times_again(infinite.lanes(), from, to_re, to_im);
-        if (full) {
-            to_re.store(re + k);
-            to_im.store(im + k);
-        } else {
-            to_re.store(re + k, static_cast<int>(n - k));
-            to_im.store(im + k, static_cast<int>(n - k));
+// Of operands that both have imaginary parts: their parts, and elements `from` to `end` of the product.
+struct ComplexTimes {
+    Source<Wide> x_re, x_im, y_re, y_im;
+    double *re, *im;
+
+    void one_by_one(std::ptrdiff_t from, std::ptrdiff_t end) const
+    {
+        for (std::ptrdiff_t k = from; k < end; k += Wide::count) {
+            bool const full = end - k >= Wide::count;
+            auto const part = [=](Source<Wide> const& of) { return full ? of(k) : of(k, end - k); };
+            Wide const factors[] = {part(x_re), part(x_im), part(y_re), part(y_im)};
+            Wide to_re = factors[0] * factors[2] - factors[1] * factors[3], to_im = factors[0] * factors[3] + factors[1] * factors[2];
+            auto const infinite = !((to_re - to_re) + (to_im - to_im) == Wide(0.0));
+            if (__builtin_expect(infinite.any(), false))
+                times_again(infinite.lanes(), factors, to_re, to_im);
+            if (full) {
+                to_re.store(re + k);
+                to_im.store(im + k);
+            } else {
+                to_re.store(re + k, static_cast<int>(end - k));
+                to_im.store(im + k, static_cast<int>(end - k));
+            }
         }
     }
+    // Full vectors whose factors stay: the real parts first, then the imaginary ones from what lies near by then. Six
+    // arrays side by side are too many for the processor to look ahead in. False where the kernel is wanted again.
+    bool part_by_part(std::ptrdiff_t from, std::ptrdiff_t end) const
+    {
+        Wide lost(0.0);
+        for (std::ptrdiff_t k = from; k < end; k += Wide::count) {
+            Wide const made = x_re(k) * y_re(k) - x_im(k) * y_im(k);
+            lost = lost + (made - made);
+            made.store(re + k);
+        }
+        for (std::ptrdiff_t k = from; k < end; k += Wide::count) {
+            Wide const made = x_re(k) * y_im(k) + x_im(k) * y_re(k);
+            lost = lost + (made - made);
+            made.store(im + k);
+        }
+        return (lost == Wide(0.0)).all();
+    }
+};
+[[gnu::flatten]] inline void complex_times_loop(ComplexOperand x, ComplexOperand y, double* re, double* im, std::ptrdiff_t n)
+{
+    constexpr std::ptrdiff_t block = 512;
+    ComplexTimes const work{Source<Wide>({x.re, x.step}), Source<Wide>({x.im, x.step}), Source<Wide>({y.re, y.step}), Source<Wide>({y.im, y.step}), re, im};
+    bool const in_place = re == x.re || re == y.re || im == x.im || im == y.im;
+    std::ptrdiff_t from = 0;
+    for (; !in_place && n - from >= block; from += block)
+        if (!work.part_by_part(from, from + block))
+            work.one_by_one(from, from + block);
+    work.one_by_one(from, n);
 }
 
 } // namespace
