@@ -46,8 +46,51 @@ template <class V> Exponential<V> exponential(V x)
 // Not further from 0 than the limit; NaN stays.
 template <class V> V within(V x, double limit) { return smaller(V(limit), larger(V(-limit), x)); }
 
+// The table of powers in a form that is made whole by adding k to the bits, and what their rounding lost of them.
+struct ExpPowers {
+    double below[16], lost[16];
+};
+constexpr ExpPowers make_exp_powers()
+{
+    ExpPowers made{};
+    for (std::uint64_t k = 0; k < 16; ++k) {
+        made.below[k] = __builtin_bit_cast(double, __builtin_bit_cast(std::uint64_t, exp_step[k]) - (k << 48));
+        made.lost[k] = exp_step_low[k] / exp_step[k];
+    }
+    return made;
+}
+constexpr ExpPowers exp_powers = make_exp_powers();
+
+// Up to here exponentials are normal numbers.
+constexpr double all_normal = 708;
+
+// exp(r) 2^(k/16) where that is a normal number, k standing in the low bits of `shifted`.
+template <class V> V normal_exponential_of_parts(V r, typename V::Bits shifted)
+{
+    // The bits of k beyond the fourth are the exponent.
+    V const power = V::of(pick(exp_powers.below, shifted).bits() + shifted.template up<48>());
+    return fma(power, fma(r * r, polynomial_by_squares(r, exp_terms), r) + pick(exp_powers.lost, shifted), power);
+}
+template <class V> V normal_exponential(V x)
+{
+    V const shifted = fma(x, V(sixteenths_per_ln2), V(to_integer)), k = shifted - V(to_integer);
+    return normal_exponential_of_parts(fma(-k, V(ln2_sixteenth[1]), fma(-k, V(ln2_sixteenth[0]), x)), shifted.bits());
+}
+// The argument is a sum.
+template <class V> V normal_exponential(V x, V low)
+{
+    V const shifted = fma(x, V(sixteenths_per_ln2), V(to_integer)), k = shifted - V(to_integer);
+    return normal_exponential_of_parts(fma(-k, V(ln2_sixteenth[1]), fma(-k, V(ln2_sixteenth[0]), x)) + low, shifted.bits());
+}
+
 struct Exp {
-    template <class V> static V of(V x) { return exponential(within(x, 800)).value(); }
+    template <class V> static V of(V x) { return any_beyond(x, all_normal) ? of_any(x) : normal_exponential(x); }
+
+private:
+    template <class V> ARRLIB_COLD static V of_any(V x)
+    {
+        return select(abs(x) < V(all_normal), normal_exponential(x), exponential(within(x, 800)).value());
+    }
 };
 
 struct Pow2 {

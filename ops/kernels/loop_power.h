@@ -12,8 +12,8 @@ struct Power {
     template <class V> static V of(V x, V y)
     {
         Pair<V> const log = log_pair(x), product = product_of(log.hi, y);
-        typename V::Mask const other = not_positive_normal(x) | not_below(abs(product.hi), V(700.0));
-        V const result = exponential(product.hi, fma(log.lo, y, product.lo)).value();
+        typename V::Mask const other = not_positive_normal(x) | not_below(abs(product.hi), V(all_normal));
+        V const result = normal_exponential(product.hi, fma(log.lo, y, product.lo));
         return other.any() ? select(other, of_any(x, y), result) : result;
     }
 

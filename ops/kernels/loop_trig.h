@@ -127,7 +127,7 @@ template <class V> ARRLIB_COLD V sine_of_many_steps(V x, double from)
     double all[V::count];
     x.store(all);
     for (double& one : all)
-        if (__builtin_fabs(one) < least_angle_of_many_steps)
+        if (!(__builtin_fabs(one) >= least_angle_of_many_steps))
             one = sine_of_step(reduce_to_step(Lane(one), from)).v;
         else {
             Reduced<Lane> const angle = reduce_lane_by_lane(Lane(one));
@@ -138,7 +138,7 @@ template <class V> ARRLIB_COLD V sine_of_many_steps(V x, double from)
 }
 template <class V> V sine_from(V x, double from)
 {
-    return not_below(abs(x), V(least_angle_of_many_steps)).any() ? sine_of_many_steps(x, from) : sine_of_step(reduce_to_step(x, from));
+    return any_beyond(x, least_angle_of_many_steps) ? sine_of_many_steps(x, from) : sine_of_step(reduce_to_step(x, from));
 }
 
 struct Sin {

@@ -83,6 +83,9 @@ struct Lane {
 inline Lane fma(Lane a, Lane b, Lane c) { return fused(a.v, b.v, c.v); }
 inline Lane select(LaneMask which, Lane yes, Lane no) { return which.v ? yes : no; }
 inline Lane negative_where(LaneMask which, Lane x) { return which.v ? -x : x; }
+// Whether a lane of x, or of x and y, is at least as large as the limit in magnitude. NaN may count or not.
+inline bool any_beyond(Lane x, double limit) { return !(__builtin_fabs(x.v) < limit); }
+inline bool any_beyond(Lane x, Lane y, double limit) { return any_beyond(x, limit) || any_beyond(y, limit); }
 // low <= x < high.
 inline LaneMask within(Lane x, Lane low, Lane high) { return (x >= low) & (x < high); }
 // NaN, too.

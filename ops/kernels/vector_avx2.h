@@ -91,6 +91,8 @@ inline Wide ceil(Wide x) { return _mm256_ceil_pd(x.v); }
 inline Wide trunc(Wide x) { return _mm256_round_pd(x.v, _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC); }
 inline Wide larger(Wide x, Wide y) { return _mm256_max_pd(x.v, y.v); }
 inline Wide smaller(Wide x, Wide y) { return _mm256_min_pd(x.v, y.v); }
+inline bool any_beyond(Wide x, double limit) { return not_below(abs(x), limit).any(); }
+inline bool any_beyond(Wide x, Wide y, double limit) { return not_below(larger(abs(x), abs(y)), limit).any(); }
 template <std::size_t Size> Wide pick(double const (&table)[Size], WideBits at)
 {
     return _mm256_i64gather_pd(table, (at & WideBits(Size - 1)).v, 8);

@@ -91,6 +91,13 @@ inline Wide trunc(Wide x) { return _mm512_maskz_roundscale_pd(all, x.v, _MM_FROU
 #pragma GCC diagnostic pop
 inline Wide larger(Wide x, Wide y) { return _mm512_maskz_max_pd(all, x.v, y.v); }
 inline Wide smaller(Wide x, Wide y) { return _mm512_maskz_min_pd(all, x.v, y.v); }
+inline bool any_beyond(Wide x, double limit) { return not_below(abs(x), limit).any(); }
+inline bool any_beyond(Wide x, Wide y, double limit)
+{
+    // The larger one in magnitude, its sign cleared.
+    constexpr int largest_magnitude = 3 | 2 << 2;
+    return not_below(_mm512_maskz_range_pd(all, x.v, y.v, largest_magnitude), limit).any();
+}
 inline Wide pick(double const (&table)[16], WideBits at)
 {
     return _mm512_permutex2var_pd(_mm512_loadu_pd(table), at.v, _mm512_loadu_pd(table + 8));

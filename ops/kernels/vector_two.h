@@ -72,6 +72,7 @@ template <class V> Two<V> fma(Two<V> x, Two<V> y, Two<V> z) { return {fma(x.a, y
 template <class V> Two<V> select(TwoMask<V> which, Two<V> yes, Two<V> no) { return {select(which.a, yes.a, no.a), select(which.b, yes.b, no.b)}; }
 template <class V> Two<V> negative_where(TwoMask<V> which, Two<V> x) { return {negative_where(which.a, x.a), negative_where(which.b, x.b)}; }
 template <class V> TwoMask<V> within(Two<V> x, Two<V> low, Two<V> high) { return {within(x.a, low.a, high.a), within(x.b, low.b, high.b)}; }
+template <class V> bool any_beyond(Two<V> x, double limit) { return any_beyond(x.a, x.b, limit); }
 template <class V> TwoMask<V> not_below(Two<V> x, Two<V> limit) { return {not_below(x.a, limit.a), not_below(x.b, limit.b)}; }
 template <class V> TwoMask<V> not_positive_normal(Two<V> x) { return {not_positive_normal(x.a), not_positive_normal(x.b)}; }
 template <class V> Two<V> mantissa(Two<V> x) { return {mantissa(x.a), mantissa(x.b)}; }
