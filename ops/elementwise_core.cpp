@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cmath>
 #include <utility>
 
 namespace arrlib {
@@ -175,8 +176,9 @@ ComplexRule rule_for_x(ComplexRule rule, M<double> const& x, M<double> const& y)
 {
     if (!is_plain(x) || !is_plain(y) || (y.size() != 1 && !std::equal(x.getdims(), x.getdims() + max_dims, y.getdims())))
         return ComplexRule::never;
+    // A whole power is real, whatever its base.
     if (rule == ComplexRule::power)
-        return ComplexRule::below_0;
+        return y.size() == 1 && std::trunc(*y.addr()) == *y.addr() ? ComplexRule::never : ComplexRule::below_0;
     return depends_on_elements(rule) ? rule : ComplexRule::never;
 }
 

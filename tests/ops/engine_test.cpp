@@ -267,6 +267,36 @@ TEST(Engine, ComplexResults)
     EXPECT_TRUE(greater.islogical());
 }
 
+// Long arrays are computed before all of their elements have been looked at.
+TEST(Engine, OneElementMakesALongResultComplex)
+{
+    constexpr int count = 70000;
+    struct {
+        OpCode op;
+        double usual, unusual, exponent;
+        bool complex;
+    } const cases[] = {
+        {op_sqrt, 2, -4, 0, true},           {op_sqrt, 2, -0.0, 0, false},          {op_log, 2, -1, 0, true},
+        {op_log, 2, -NaN.r(), 0, false},     {op_acos, 0.5, 1.5, 0, true},          {op_power, 2, -3, 1.5, true},
+        {op_power, 2, -3, 3, false},         {op_power, 2, -Inf.r(), 0.5, true},    {op_power, 2, -0.0, 0.5, false},
+    };
+    for (auto const& c : cases)
+        for (int const place : {0, 511, 40000, count - 1})
+            for (bool const one_exponent : {true, false}) {
+                M<double> x(0, 1, count), y(0, 1, one_exponent ? 1 : count);
+                std::fill_n(x.addr(), count, c.usual);
+                std::fill_n(y.addr(), y.size(), c.exponent);
+                x.addr()[place] = c.unusual;
+                bool const power = c.op == op_power;
+                M<double> const got = power ? dot_pow(x, y) : applied(c.op, x, zero_M);
+                ASSERT_EQ(got.isc(), c.complex) << op_name(c.op) << c.unusual;
+                for (int const k : {0, place, count - 1}) {
+                    M<double> const base(x.addr()[k]), one = power ? dot_pow(base, M<double>(c.exponent)) : applied(c.op, base, zero_M);
+                    EXPECT_EQ(std::memcmp(&got.addr()[k], one.addr(), sizeof(double)), 0) << op_name(c.op) << place;
+                }
+            }
+}
+
 TEST(Engine, Messages)
 {
     M<double> a = row({1, 2, 3}), b(0, 3, 1), none;
