@@ -50,6 +50,7 @@
 #include "core/declare.h"
 #include "core/join.h"
 #include "core/matrix.h"
+#include "core/output_place.h"
 #include "core/reshape.h"
 #include "core/sparse.h"
 #include "core/subscript.h"

@@ -174,13 +174,6 @@ void Arguments::warn_rank(int rank, double tolerance) const
     warn(("rank deficient, rank = " + std::to_string(rank) + ", tol = " + general_text(tolerance)).c_str());
 }
 
-M<double> arrlib::truth(bool is)
-{
-    M<double> value(is ? 1.0 : 0.0);
-    value.setlogical(1);
-    return value;
-}
-
 M<double> arrlib::full_form(M<double> const& x)
 {
     return x.issparse() ? full_copy(x) : x;

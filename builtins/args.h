@@ -98,8 +98,6 @@ inline double number_or(M<double> const& x, double otherwise)
 }
 
 
-// A 1x1 logical value.
-M<double> truth(bool is);
 // The full form of a value that may be sparse; shares the storage of one that is full. Without
 // storage after a report (has_storage).
 M<double> full_form(M<double> const& x);

@@ -2,7 +2,7 @@
 #ifndef ARRLIB_BUILTINS_DEAL_H
 #define ARRLIB_BUILTINS_DEAL_H
 
-#include "core/subscript.h"
+#include "core/output_place.h"
 #include "runtime/constants.h"
 
 #include <type_traits>
@@ -20,29 +20,8 @@ struct ARRLIB_API DealInput {
     DealInput const* before;
 };
 
-// A place that takes a value: a variable, a part of one, or the content of a cell.
-class ARRLIB_API DealOutput {
-public:
-    DealOutput(M<double>& variable) : kind_(Kind::matrix), place_(&variable) {}
-    DealOutput(M<M<double>>& variable) : kind_(Kind::cells), place_(&variable) {}
-    DealOutput(Mr<double> const& selection) : kind_(Kind::selection), place_(const_cast<Mr<double>*>(&selection)) {}
-    DealOutput(Mr<M<double>> const& selection) : kind_(Kind::selected_cells), place_(const_cast<Mr<M<double>>*>(&selection)) {}
-    DealOutput(Ms<M<double>> const& cell) : kind_(Kind::cell), place_(const_cast<Ms<M<double>>*>(&cell)) {}
-
-    bool accepts(DealInput const& value) const { return !value.is_cells || kind_ == Kind::cells || kind_ == Kind::selected_cells; }
-    // A value that it accepts.
-    void take(DealInput const& value) const;
-    void clear() const;
-
-private:
-    enum class Kind : char { matrix, cells, selection, selected_cells, cell };
-
-    Kind kind_;
-    void* place_;
-};
-
 // Deals `inputs` values, a list from the last one, to `count` places. False after a report.
-ARRLIB_API bool deal_out(DealInput const* last, int inputs, DealOutput const* outputs, int count);
+ARRLIB_API bool deal_out(DealInput const* last, int inputs, OutputPlace const* outputs, int count);
 
 // A call without i_o wants one output, which is what it returns.
 inline bool deal_values(DealInput const*, int inputs)
@@ -55,7 +34,7 @@ template <class Item, class... Items> bool deal_values(DealInput const* last, in
         DealInput const input(item, last);
         return deal_values(&input, inputs + 1, static_cast<Items&&>(items)...);
     } else if constexpr (sizeof...(items) > 0) {
-        DealOutput const outputs[] = {items...};
+        OutputPlace const outputs[] = {items...};
         return deal_out(last, inputs, outputs, static_cast<int>(sizeof...(items)));
     } else {
         return deal_out(last, inputs, nullptr, 0);

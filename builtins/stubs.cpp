@@ -1,7 +1,6 @@
 #include "builtins/stubs.h"
 
 #include "builtins/args.h"
-#include "core/read.h"
 #include "runtime/errors.h"
 
 #include <initializer_list>
@@ -15,7 +14,7 @@ M<double> without_outputs(std::initializer_list<Any> arguments)
     bool outputs = false;
     for (Any const& argument : arguments) {
         if (outputs)
-            argument.clear();
+            argument.output().clear();
         outputs = outputs || argument.separates();
     }
     return x_M;
@@ -34,30 +33,6 @@ M<double> no_structures(char const* name, std::initializer_list<Any> arguments)
 }
 
 } // namespace
-
-void Any::clear() const
-{
-    switch (kind_) {
-    case Kind::input:
-    case Kind::separator:
-        break;
-    case Kind::matrix:
-        *static_cast<M<double>*>(place_) = x_M;
-        break;
-    case Kind::cells:
-        *static_cast<M<M<double>>*>(place_) = x_M_of<M<double>>();
-        break;
-    case Kind::selection:
-        *static_cast<Mr<double>*>(place_) = x_M;
-        break;
-    case Kind::selected_cells:
-        *static_cast<Mr<M<double>>*>(place_) = x_M_of<M<double>>();
-        break;
-    case Kind::cell:
-        *static_cast<Ms<M<double>>*>(place_) = x_M;
-        break;
-    }
-}
 
 M<double> assignin(Any a, Any b, Any c, Any d, Any e, Any f) { return stub({a, b, c, d, e, f}); }
 M<double> doc(Any a, Any b, Any c, Any d, Any e, Any f) { return stub({a, b, c, d, e, f}); }

@@ -4,7 +4,7 @@
 #ifndef ARRLIB_BUILTINS_STUBS_H
 #define ARRLIB_BUILTINS_STUBS_H
 
-#include "core/subscript.h"
+#include "core/output_place.h"
 
 namespace arrlib {
 
@@ -17,22 +17,20 @@ public:
     Any(M<M<double>> const&) {}
     Any(Sr<double> const&) {}
     Any(Sr<M<double>> const&) {}
-    Any(i_o_t) : kind_(Kind::separator) {}
-    Any(M<double>& variable) : kind_(Kind::matrix), place_(&variable) {}
-    Any(M<M<double>>& variable) : kind_(Kind::cells), place_(&variable) {}
-    Any(Mr<double> const& selection) : kind_(Kind::selection), place_(const_cast<Mr<double>*>(&selection)) {}
-    Any(Mr<M<double>> const& selection) : kind_(Kind::selected_cells), place_(const_cast<Mr<M<double>>*>(&selection)) {}
-    Any(Ms<M<double>> const& cell) : kind_(Kind::cell), place_(const_cast<Ms<M<double>>*>(&cell)) {}
+    Any(i_o_t) : separates_(true) {}
+    Any(M<double>& variable) : output_(variable) {}
+    Any(M<M<double>>& variable) : output_(variable) {}
+    Any(Mr<double> const& selection) : output_(selection) {}
+    Any(Mr<M<double>> const& selection) : output_(selection) {}
+    Any(Ms<M<double>> const& cell) : output_(cell) {}
 
-    bool separates() const { return kind_ == Kind::separator; }
-    // Makes an output empty.
-    void clear() const;
+    bool separates() const { return separates_; }
+    // The place that it is behind i_o; none for what can only be an input.
+    OutputPlace const& output() const { return output_; }
 
 private:
-    enum class Kind : char { input, separator, matrix, cells, selection, selected_cells, cell };
-
-    Kind kind_ = Kind::input;
-    void* place_ = nullptr;
+    bool separates_ = false;
+    OutputPlace output_;
 };
 
 } // namespace arrlib

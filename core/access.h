@@ -98,6 +98,14 @@ template <class T> struct Access {
     }
 };
 
+// A 1x1 logical value.
+inline M<double> truth(bool is)
+{
+    M<double> value(is ? 1.0 : 0.0);
+    value.setlogical(1);
+    return value;
+}
+
 } // namespace arrlib
 
 #endif

@@ -17,13 +17,6 @@ namespace {
 
 constexpr int longest_class_name = 2048;
 
-M<double> truth(bool is)
-{
-    M<double> value(is ? 1.0 : 0.0);
-    value.setlogical(1);
-    return value;
-}
-
 char const* class_of(M<double> const& x)
 {
     return x.isstr() ? "char" : x.issparse() ? "sparse" : "double";

@@ -57,17 +57,17 @@ M<double> unnamed(M<double> const& value)
     return copy;
 }
 
-M<double> call(M<double> const& name, std::initializer_list<M<double> const*> inputs, std::initializer_list<OptionalOutput> outputs)
+M<double> call(M<double> const& name, std::initializer_list<M<double> const*> inputs, std::initializer_list<OutputPlace> outputs)
 {
     auto const given = std::find(inputs.begin(), inputs.end(), &absent_input) - inputs.begin();
-    auto const wanted = std::count_if(outputs.begin(), outputs.end(), [](OptionalOutput const& output) { return static_cast<bool>(output); });
+    auto const wanted = std::count_if(outputs.begin(), outputs.end(), [](OutputPlace const& output) { return static_cast<bool>(output); });
     M<M<double>> cells = room_for_inputs(static_cast<int>(given));
     for (int k = 0; k < given; ++k)
         cells.addr()[k] = *inputs.begin()[k];
     M<double> const none = unnamed(x_M);
     M<double> made[most_named_outputs] = {none, none, none, none, none, none}, *next = made;
     call_by_name(name, cells, made, std::max(static_cast<int>(wanted), 1));
-    for (OptionalOutput const& output : outputs) {
+    for (OutputPlace const& output : outputs) {
         if (output && (output.is_whole() || !is_no_result(*next)))
             output.take(*next);
         ++next;
@@ -98,12 +98,6 @@ constinit callback_func_t callback_func = callback_not_linked;
 constinit GraphicsServices const arrlib::graphics_services = {runtime_version, run_callback, report_error};
 constinit M<double> const arrlib::absent_input{nullptr, StaticStorage<double>{0, 0, nullptr, nullptr, nullptr}};
 
-void OptionalOutput::take(M<double> const& value) const
-{
-    Mr<double> place = variable_ ? Mr<double>(*variable_) : *selection_;
-    place = value;
-}
-
 M<M<double>> arrlib::room_for_inputs(int count)
 {
     return Access<M<double>>::full(false, Dims(count > 0, count));
@@ -129,56 +123,56 @@ M<double> feval(M<double> const& name, M<double> const& a, M<double> const& b, M
     return call(name, {&a, &b, &c, &d, &e, &f, &g, &h}, {});
 }
 
-M<double> feval(M<double> const& name, i_o_t, Mr<double> y1, OptionalOutput y2, OptionalOutput y3, OptionalOutput y4,
-                OptionalOutput y5, OptionalOutput y6)
+M<double> feval(M<double> const& name, i_o_t, Mr<double> y1, OutputPlace y2, OutputPlace y3, OutputPlace y4,
+                OutputPlace y5, OutputPlace y6)
 {
     return call(name, {}, {y1, y2, y3, y4, y5, y6});
 }
 
-M<double> feval(M<double> const& name, M<double> const& a, i_o_t, Mr<double> y1, OptionalOutput y2, OptionalOutput y3, OptionalOutput y4,
-                OptionalOutput y5, OptionalOutput y6)
+M<double> feval(M<double> const& name, M<double> const& a, i_o_t, Mr<double> y1, OutputPlace y2, OutputPlace y3, OutputPlace y4,
+                OutputPlace y5, OutputPlace y6)
 {
     return call(name, {&a}, {y1, y2, y3, y4, y5, y6});
 }
 
-M<double> feval(M<double> const& name, M<double> const& a, M<double> const& b, i_o_t, Mr<double> y1, OptionalOutput y2, OptionalOutput y3, OptionalOutput y4,
-                OptionalOutput y5, OptionalOutput y6)
+M<double> feval(M<double> const& name, M<double> const& a, M<double> const& b, i_o_t, Mr<double> y1, OutputPlace y2, OutputPlace y3, OutputPlace y4,
+                OutputPlace y5, OutputPlace y6)
 {
     return call(name, {&a, &b}, {y1, y2, y3, y4, y5, y6});
 }
 
-M<double> feval(M<double> const& name, M<double> const& a, M<double> const& b, M<double> const& c, i_o_t, Mr<double> y1, OptionalOutput y2, OptionalOutput y3, OptionalOutput y4,
-                OptionalOutput y5, OptionalOutput y6)
+M<double> feval(M<double> const& name, M<double> const& a, M<double> const& b, M<double> const& c, i_o_t, Mr<double> y1, OutputPlace y2, OutputPlace y3, OutputPlace y4,
+                OutputPlace y5, OutputPlace y6)
 {
     return call(name, {&a, &b, &c}, {y1, y2, y3, y4, y5, y6});
 }
 
-M<double> feval(M<double> const& name, M<double> const& a, M<double> const& b, M<double> const& c, M<double> const& d, i_o_t, Mr<double> y1, OptionalOutput y2, OptionalOutput y3, OptionalOutput y4,
-                OptionalOutput y5, OptionalOutput y6)
+M<double> feval(M<double> const& name, M<double> const& a, M<double> const& b, M<double> const& c, M<double> const& d, i_o_t, Mr<double> y1, OutputPlace y2, OutputPlace y3, OutputPlace y4,
+                OutputPlace y5, OutputPlace y6)
 {
     return call(name, {&a, &b, &c, &d}, {y1, y2, y3, y4, y5, y6});
 }
 
-M<double> feval(M<double> const& name, M<double> const& a, M<double> const& b, M<double> const& c, M<double> const& d, M<double> const& e, i_o_t, Mr<double> y1, OptionalOutput y2, OptionalOutput y3, OptionalOutput y4,
-                OptionalOutput y5, OptionalOutput y6)
+M<double> feval(M<double> const& name, M<double> const& a, M<double> const& b, M<double> const& c, M<double> const& d, M<double> const& e, i_o_t, Mr<double> y1, OutputPlace y2, OutputPlace y3, OutputPlace y4,
+                OutputPlace y5, OutputPlace y6)
 {
     return call(name, {&a, &b, &c, &d, &e}, {y1, y2, y3, y4, y5, y6});
 }
 
-M<double> feval(M<double> const& name, M<double> const& a, M<double> const& b, M<double> const& c, M<double> const& d, M<double> const& e, M<double> const& f, i_o_t, Mr<double> y1, OptionalOutput y2, OptionalOutput y3, OptionalOutput y4,
-                OptionalOutput y5, OptionalOutput y6)
+M<double> feval(M<double> const& name, M<double> const& a, M<double> const& b, M<double> const& c, M<double> const& d, M<double> const& e, M<double> const& f, i_o_t, Mr<double> y1, OutputPlace y2, OutputPlace y3, OutputPlace y4,
+                OutputPlace y5, OutputPlace y6)
 {
     return call(name, {&a, &b, &c, &d, &e, &f}, {y1, y2, y3, y4, y5, y6});
 }
 
-M<double> feval(M<double> const& name, M<double> const& a, M<double> const& b, M<double> const& c, M<double> const& d, M<double> const& e, M<double> const& f, M<double> const& g, i_o_t, Mr<double> y1, OptionalOutput y2, OptionalOutput y3, OptionalOutput y4,
-                OptionalOutput y5, OptionalOutput y6)
+M<double> feval(M<double> const& name, M<double> const& a, M<double> const& b, M<double> const& c, M<double> const& d, M<double> const& e, M<double> const& f, M<double> const& g, i_o_t, Mr<double> y1, OutputPlace y2, OutputPlace y3, OutputPlace y4,
+                OutputPlace y5, OutputPlace y6)
 {
     return call(name, {&a, &b, &c, &d, &e, &f, &g}, {y1, y2, y3, y4, y5, y6});
 }
 
-M<double> feval(M<double> const& name, M<double> const& a, M<double> const& b, M<double> const& c, M<double> const& d, M<double> const& e, M<double> const& f, M<double> const& g, M<double> const& h, i_o_t, Mr<double> y1, OptionalOutput y2, OptionalOutput y3, OptionalOutput y4,
-                OptionalOutput y5, OptionalOutput y6)
+M<double> feval(M<double> const& name, M<double> const& a, M<double> const& b, M<double> const& c, M<double> const& d, M<double> const& e, M<double> const& f, M<double> const& g, M<double> const& h, i_o_t, Mr<double> y1, OutputPlace y2, OutputPlace y3, OutputPlace y4,
+                OutputPlace y5, OutputPlace y6)
 {
     return call(name, {&a, &b, &c, &d, &e, &f, &g, &h}, {y1, y2, y3, y4, y5, y6});
 }

@@ -2,8 +2,7 @@
 #ifndef ARRLIB_RUNTIME_DISPATCH_H
 #define ARRLIB_RUNTIME_DISPATCH_H
 
-#include "core/matrix.h"
-#include "core/subscript.h"
+#include "core/output_place.h"
 
 // The dispatchers, which the program stores here before its first call. The one for functions gets the
 // function's name, its inputs as a row of cells, and the places of six outputs; what it returns is the
@@ -17,23 +16,6 @@ ARRLIB_API extern callback_func_t callback_func;
 
 namespace arrlib {
 
-// The place of an output, or of one that nobody wants. For the length of a call: it refers to what it was
-// made from.
-class ARRLIB_API OptionalOutput {
-public:
-    OptionalOutput() = default;
-    OptionalOutput(M<double>& variable) : variable_(&variable) {}
-    OptionalOutput(Mr<double> const& selection) : selection_(&selection) {}
-
-    explicit operator bool() const { return variable_ || selection_; }
-    // Whether a whole variable takes the output.
-    bool is_whole() const { return variable_ || (selection_ && selection_->count() == 0); }
-    void take(M<double> const& value) const;
-
-private:
-    M<double>* variable_ = nullptr;
-    Mr<double> const* selection_ = nullptr;
-};
 // Stands for an input that was not given; recognised by its address.
 ARRLIB_API extern M<double> const absent_input;
 
@@ -55,23 +37,23 @@ ARRLIB_API M<double> feval(M<double> const& name, M<double> const& a = arrlib::a
                            M<double> const& c = arrlib::absent_input, M<double> const& d = arrlib::absent_input,
                            M<double> const& e = arrlib::absent_input, M<double> const& f = arrlib::absent_input,
                            M<double> const& g = arrlib::absent_input, M<double> const& h = arrlib::absent_input);
-ARRLIB_API M<double> feval(M<double> const& name, i_o_t, Mr<double> y1, arrlib::OptionalOutput y2 = {}, arrlib::OptionalOutput y3 = {},
-                           arrlib::OptionalOutput y4 = {}, arrlib::OptionalOutput y5 = {}, arrlib::OptionalOutput y6 = {});
+ARRLIB_API M<double> feval(M<double> const& name, i_o_t, Mr<double> y1, arrlib::OutputPlace y2 = {}, arrlib::OutputPlace y3 = {},
+                           arrlib::OutputPlace y4 = {}, arrlib::OutputPlace y5 = {}, arrlib::OutputPlace y6 = {});
 ARRLIB_API M<double> feval(M<double> const& name, M<double> const& a, i_o_t,
-                           Mr<double> y1, arrlib::OptionalOutput y2 = {}, arrlib::OptionalOutput y3 = {}, arrlib::OptionalOutput y4 = {}, arrlib::OptionalOutput y5 = {}, arrlib::OptionalOutput y6 = {});
+                           Mr<double> y1, arrlib::OutputPlace y2 = {}, arrlib::OutputPlace y3 = {}, arrlib::OutputPlace y4 = {}, arrlib::OutputPlace y5 = {}, arrlib::OutputPlace y6 = {});
 ARRLIB_API M<double> feval(M<double> const& name, M<double> const& a, M<double> const& b, i_o_t,
-                           Mr<double> y1, arrlib::OptionalOutput y2 = {}, arrlib::OptionalOutput y3 = {}, arrlib::OptionalOutput y4 = {}, arrlib::OptionalOutput y5 = {}, arrlib::OptionalOutput y6 = {});
+                           Mr<double> y1, arrlib::OutputPlace y2 = {}, arrlib::OutputPlace y3 = {}, arrlib::OutputPlace y4 = {}, arrlib::OutputPlace y5 = {}, arrlib::OutputPlace y6 = {});
 ARRLIB_API M<double> feval(M<double> const& name, M<double> const& a, M<double> const& b, M<double> const& c, i_o_t,
-                           Mr<double> y1, arrlib::OptionalOutput y2 = {}, arrlib::OptionalOutput y3 = {}, arrlib::OptionalOutput y4 = {}, arrlib::OptionalOutput y5 = {}, arrlib::OptionalOutput y6 = {});
+                           Mr<double> y1, arrlib::OutputPlace y2 = {}, arrlib::OutputPlace y3 = {}, arrlib::OutputPlace y4 = {}, arrlib::OutputPlace y5 = {}, arrlib::OutputPlace y6 = {});
 ARRLIB_API M<double> feval(M<double> const& name, M<double> const& a, M<double> const& b, M<double> const& c, M<double> const& d, i_o_t,
-                           Mr<double> y1, arrlib::OptionalOutput y2 = {}, arrlib::OptionalOutput y3 = {}, arrlib::OptionalOutput y4 = {}, arrlib::OptionalOutput y5 = {}, arrlib::OptionalOutput y6 = {});
+                           Mr<double> y1, arrlib::OutputPlace y2 = {}, arrlib::OutputPlace y3 = {}, arrlib::OutputPlace y4 = {}, arrlib::OutputPlace y5 = {}, arrlib::OutputPlace y6 = {});
 ARRLIB_API M<double> feval(M<double> const& name, M<double> const& a, M<double> const& b, M<double> const& c, M<double> const& d, M<double> const& e, i_o_t,
-                           Mr<double> y1, arrlib::OptionalOutput y2 = {}, arrlib::OptionalOutput y3 = {}, arrlib::OptionalOutput y4 = {}, arrlib::OptionalOutput y5 = {}, arrlib::OptionalOutput y6 = {});
+                           Mr<double> y1, arrlib::OutputPlace y2 = {}, arrlib::OutputPlace y3 = {}, arrlib::OutputPlace y4 = {}, arrlib::OutputPlace y5 = {}, arrlib::OutputPlace y6 = {});
 ARRLIB_API M<double> feval(M<double> const& name, M<double> const& a, M<double> const& b, M<double> const& c, M<double> const& d, M<double> const& e, M<double> const& f, i_o_t,
-                           Mr<double> y1, arrlib::OptionalOutput y2 = {}, arrlib::OptionalOutput y3 = {}, arrlib::OptionalOutput y4 = {}, arrlib::OptionalOutput y5 = {}, arrlib::OptionalOutput y6 = {});
+                           Mr<double> y1, arrlib::OutputPlace y2 = {}, arrlib::OutputPlace y3 = {}, arrlib::OutputPlace y4 = {}, arrlib::OutputPlace y5 = {}, arrlib::OutputPlace y6 = {});
 ARRLIB_API M<double> feval(M<double> const& name, M<double> const& a, M<double> const& b, M<double> const& c, M<double> const& d, M<double> const& e, M<double> const& f, M<double> const& g, i_o_t,
-                           Mr<double> y1, arrlib::OptionalOutput y2 = {}, arrlib::OptionalOutput y3 = {}, arrlib::OptionalOutput y4 = {}, arrlib::OptionalOutput y5 = {}, arrlib::OptionalOutput y6 = {});
+                           Mr<double> y1, arrlib::OutputPlace y2 = {}, arrlib::OutputPlace y3 = {}, arrlib::OutputPlace y4 = {}, arrlib::OutputPlace y5 = {}, arrlib::OutputPlace y6 = {});
 ARRLIB_API M<double> feval(M<double> const& name, M<double> const& a, M<double> const& b, M<double> const& c, M<double> const& d, M<double> const& e, M<double> const& f, M<double> const& g, M<double> const& h, i_o_t,
-                           Mr<double> y1, arrlib::OptionalOutput y2 = {}, arrlib::OptionalOutput y3 = {}, arrlib::OptionalOutput y4 = {}, arrlib::OptionalOutput y5 = {}, arrlib::OptionalOutput y6 = {});
+                           Mr<double> y1, arrlib::OutputPlace y2 = {}, arrlib::OutputPlace y3 = {}, arrlib::OutputPlace y4 = {}, arrlib::OutputPlace y5 = {}, arrlib::OutputPlace y6 = {});
 
 #endif
