@@ -108,10 +108,11 @@ template <class Formula> [[gnu::flatten]] void paired_unary_loop(RealOperand x, 
 }
 template <class Formula> [[gnu::flatten]] void paired_binary_loop(RealOperand x, RealOperand y, double* z, std::ptrdiff_t n)
 {
-    using Two = Two<Wide>;
-    Source<Two> const from_x(x), from_y(y);
+    // Two vectors of such formulas need more registers than the kinds with less than eight lanes have.
+    using Vector = std::conditional_t<Wide::count == 8, Two<Wide>, Wide>;
+    Source<Vector> const from_x(x), from_y(y);
     std::ptrdiff_t k = 0;
-    for (; k + Two::count <= n; k += Two::count)
+    for (; k + Vector::count <= n; k += Vector::count)
         Formula::of(from_x(k), from_y(k)).store(z + k);
     if (k < n)
         long_loop<Formula>(z + k, n - k, Source<Wide>({x.at + k * x.step, x.step}), Source<Wide>({y.at + k * y.step, y.step}));

@@ -95,7 +95,11 @@ inline bool any_beyond(Wide x, double limit) { return not_below(abs(x), limit).a
 inline bool any_beyond(Wide x, Wide y, double limit) { return not_below(larger(abs(x), abs(y)), limit).any(); }
 template <std::size_t Size> Wide pick(double const (&table)[Size], WideBits at)
 {
-    return _mm256_i64gather_pd(table, (at & WideBits(Size - 1)).v, 8);
+    // A gather keeps what its register held in lanes that are left out. A compiler that sees that none is does not clear
+    // the register, and the gather waits for whatever used it last.
+    __m256d lanes = _mm256_castsi256_pd(_mm256_set1_epi64x(-1));
+    __asm__("" : "+x"(lanes));
+    return _mm256_mask_i64gather_pd(_mm256_setzero_pd(), table, (at & WideBits(Size - 1)).v, lanes, 8);
 }
 inline Wide pick(double even, double odd, WideBits at) { return select(WideMask::of(at, WideBits(1)), odd, even); }
 inline Wide mantissa(Wide x) { return mantissa_by_bits(x); }
