@@ -68,8 +68,10 @@ M<double> call(M<double> const& name, std::initializer_list<M<double> const*> in
     M<double> made[most_named_outputs] = {none, none, none, none, none, none}, *next = made;
     call_by_name(name, cells, made, std::max(static_cast<int>(wanted), 1));
     for (OutputPlace const& output : outputs) {
-        if (output && (output.is_whole() || !is_no_result(*next)))
+        if (!is_no_result(*next))
             output.take(*next);
+        else if (output.is_whole())
+            output.clear();
         ++next;
     }
     return is_no_result(made[0]) ? x_M : made[0];

@@ -73,6 +73,27 @@ TEST_F(Dispatch, InputsAndOutputsAreHandedOn)
     EXPECT_EQ(nargout(), 4);
 }
 
+// Cell arrays take an output as their single cell, and become empty cell arrays where there is none.
+TEST_F(Dispatch, OutputsGoIntoCells)
+{
+    M<double> y;
+    M<M<double>> whole("whole", 2, 2), parts("parts", 1, 3);
+    M<double> const first(1.0), third(3.0);
+    feval(all, i_o, y, whole, parts(first), parts.br(3.0));
+    expect_all({
+        {seen(), "'all' of 0x0 cell:, 0 to 4"},
+        {shown(whole), "1x1 cell: 1x1: 12"},
+        {shown(parts), "1x3 cell: 1x1: 13 | 0x0: | 1x1: 14"},
+    });
+    feval(nothing, i_o, y, whole, parts(first), parts.br(3.0));
+    expect_all({
+        {shown(y), "0x0:"},
+        {shown(whole), "0x0 cell:"},
+        {shown(parts), "1x3 cell: 1x1: 13 | 0x0: | 0x0:"},
+    });
+    EXPECT_STREQ(whole.getname(), "whole");
+}
+
 TEST_F(Dispatch, ProgramWithoutDispatchers)
 {
     feval_func = nullptr;
