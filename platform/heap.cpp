@@ -18,6 +18,9 @@ constinit HeapRelease release_hook = nullptr;
 // every block go.
 constexpr std::size_t smallest_kept = std::size_t{1} << 17;
 constexpr std::size_t most_kept = std::size_t{256} << 20;
+// OpenBLAS's loops for complex matrices read half a kilobyte past the last column, which they do not use. Large blocks
+// have pages of their own, behind which the next page may be a thread's guard.
+constexpr std::size_t read_past_end = 4096;
 #if defined(__SANITIZE_ADDRESS__)
 constexpr bool keeping = false;
 #else
@@ -99,11 +102,12 @@ void* heap_allocate(std::size_t size) noexcept
     if (large)
         if (void* const kept = kept_blocks.take(size))
             return kept;
-    void* block = std::malloc(size);
+    std::size_t const padded = large && size <= SIZE_MAX - read_past_end ? size + read_past_end : size;
+    void* block = std::malloc(padded);
     if (!block && keeping) {
         // What is kept is given up before a program goes without memory.
         kept_blocks.give_back();
-        block = std::malloc(size);
+        block = std::malloc(padded);
     }
     return block;
 }
