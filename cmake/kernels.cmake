@@ -10,8 +10,9 @@ set_source_files_properties(${arrlib_kernel_folder}/kernels_baseline.cpp PROPERT
 
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64|i[3-6]86)$")
   list(APPEND arrlib_kernel_kinds avx2 avx512)
-  set(arrlib_flags_avx2 -mavx2 -mfma)
-  set(arrlib_flags_avx512 -mavx2 -mfma -mavx512f -mavx512dq -mavx512vl -mavx512bw)
+  # A loop of four instructions that lies across two cache lines takes half as long again.
+  set(arrlib_flags_avx2 -mavx2 -mfma -falign-loops=64)
+  set(arrlib_flags_avx512 -mavx2 -mfma -mavx512f -mavx512dq -mavx512vl -mavx512bw -falign-loops=64)
   set_source_files_properties(${arrlib_kernel_folder}/kernel_set.cpp PROPERTIES COMPILE_DEFINITIONS ARRLIB_X86_KERNELS)
   foreach(kind avx2 avx512)
     set_source_files_properties(${arrlib_kernel_folder}/kernels_${kind}.cpp PROPERTIES
