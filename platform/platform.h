@@ -20,6 +20,8 @@ void* heap_allocate(std::size_t size) noexcept;
 void heap_release(void* block) noexcept;
 // Bytes that a block of the C library's heap has room for.
 std::size_t heap_block_size(void* block) noexcept;
+// Asks for pages of a larger kind for memory that has not been used, where the system has them.
+void prefer_large_pages(void* block, std::size_t size) noexcept;
 
 // --- messages to the user -----------------------------------------------------------------------
 

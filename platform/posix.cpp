@@ -112,6 +112,20 @@ std::size_t heap_block_size(void* block) noexcept
     return malloc_usable_size(block);
 }
 
+void prefer_large_pages(void* block, std::size_t size) noexcept
+{
+#if defined(MADV_HUGEPAGE)
+    auto const page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
+    std::uintptr_t const begin = (reinterpret_cast<std::uintptr_t>(block) + page - 1) / page * page;
+    std::uintptr_t const end = (reinterpret_cast<std::uintptr_t>(block) + size) / page * page;
+    if (begin < end)
+        madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
+#else
+    static_cast<void>(block);
+    static_cast<void>(size);
+#endif
+}
+
 void install_crash_reporter(CrashReporter reporter)
 {
     crash_reporter = reporter;

@@ -101,6 +101,8 @@ std::size_t heap_block_size(void* block) noexcept
     return _msize(block);
 }
 
+void prefer_large_pages(void*, std::size_t) noexcept {}
+
 void install_crash_reporter(CrashReporter reporter)
 {
     crash_reporter = reporter;
