@@ -31,6 +31,11 @@ struct DimensionLoops {
     // counted from `first`.
     void (*largest)(double* best, double* row, double const* x, double const* xi, Rows rows, double first);
     void (*smallest)(double* best, double* row, double const* x, double const* xi, Rows rows, double first);
+    // best and its row become value and its row where that is better, or as good and in an earlier row.
+    void (*merge_largest)(double* best, double* row, double const* value, double const* value_row, std::ptrdiff_t n);
+    void (*merge_smallest)(double* best, double* row, double const* value, double const* value_row, std::ptrdiff_t n);
+    // Row numbers r that are not negative become r * by + add, + step in each further column.
+    void (*renumber)(double* row, int n, double by, double add, int step);
     // Flags become 1 where an element is not zero, 0 where one is; xi may be null.
     void (*any)(double* flag, double const* x, double const* xi, Rows rows);
     void (*all)(double* flag, double const* x, double const* xi, Rows rows);

@@ -98,6 +98,25 @@ template <bool larger> void best(double* value, double* row, double const* x, do
         best_rows<larger, false>(value, row, x, xi, rows, first);
 }
 
+template <bool larger>
+void merge_best(double* __restrict best, double* __restrict row, double const* __restrict value, double const* __restrict value_row, std::ptrdiff_t n)
+{
+    for (std::ptrdiff_t i = 0; i < n; ++i) {
+        double const kept = best[i], kept_row = row[i], other = value[i], other_row = value_row[i];
+        bool const better = (larger ? other > kept : other < kept) | ((other == kept) & (other_row < kept_row));
+        best[i] = better ? other : kept;
+        row[i] = better ? other_row : kept_row;
+    }
+}
+
+void renumber(double* row, int n, double by, double add, int step)
+{
+    for (int i = 0; i < n; ++i) {
+        double const number = row[i] * by + (add + static_cast<double>(i * step));
+        row[i] = row[i] >= 0 ? number : row[i];
+    }
+}
+
 // --- any and all ----------------------------------------------------------------------------------
 
 template <bool complex> bool is_true(double const* x, double const* xi, std::ptrdiff_t at)

@@ -10,8 +10,8 @@ namespace {
 
 constexpr DimensionLoops loops_of_kind(char const* kind)
 {
-    return {kind,         sum,         product,      complex_product, best<true>,           best<false>,
-            truth<false>, truth<true>, safe_product, safe_complex_product, cumulative_sum, cumulative_product,
+    return {kind,         sum,         product,      complex_product,      best<true>,     best<false>,        merge_best<true>, merge_best<false>,
+            renumber,     truth<false>, truth<true>, safe_product, safe_complex_product, cumulative_sum, cumulative_product,
             cumulative_complex_product};
 }
 

@@ -18,7 +18,7 @@ nx_complex times(nx_complex a, nx_complex b)
 
 template <bool complex> struct ProductFold {
     static constexpr std::size_t parts = complex ? 2 : 1;
-    static constexpr bool in_order = true;
+    static constexpr bool in_order = true, in_any_order = false;
     DimensionLoops const& loops = dimension_loops();
     DimensionWork const& work;
 
@@ -34,7 +34,8 @@ template <bool complex> struct ProductFold {
     }
     // Nothing is merged in order.
     static void merge(double* const*, std::ptrdiff_t, double* const*, std::ptrdiff_t) {}
-    static void renumber(double* const*, std::ptrdiff_t, std::ptrdiff_t, std::ptrdiff_t) {}
+    static void merge_next(double* const*, std::ptrdiff_t) {}
+    static void renumber(double* const*, std::ptrdiff_t, std::ptrdiff_t, std::ptrdiff_t, std::ptrdiff_t, int) {}
     static bool done(double* const*, std::ptrdiff_t, std::ptrdiff_t) { return false; }
     void one(std::ptrdiff_t column, std::ptrdiff_t at, std::ptrdiff_t stride, std::ptrdiff_t n) const
     {

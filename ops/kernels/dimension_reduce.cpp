@@ -12,10 +12,10 @@ namespace {
 // What most folds have in common.
 struct PlainFold {
     static constexpr std::size_t parts = 1;
-    static constexpr bool in_order = false;
+    static constexpr bool in_order = false, in_any_order = false;
     DimensionLoops const& loops = dimension_loops();
 
-    static void renumber(double* const*, std::ptrdiff_t, std::ptrdiff_t, std::ptrdiff_t) {}
+    static void renumber(double* const*, std::ptrdiff_t, std::ptrdiff_t, std::ptrdiff_t, std::ptrdiff_t, int) {}
     static bool done(double* const*, std::ptrdiff_t, std::ptrdiff_t) { return false; }
 };
 
@@ -35,6 +35,14 @@ struct SumFold : PlainFold {
     static double start(std::size_t) { return 0; }
     void rows(double* const* total, std::ptrdiff_t at, Rows const& rows, std::ptrdiff_t) const { loops.sum(total[0], x + at, rows); }
     static void merge(double* const* total, std::ptrdiff_t i, double* const* from, std::ptrdiff_t j) { total[0][i] += from[0][j]; }
+    static void merge_next(double* const* total, std::ptrdiff_t n)
+    {
+        // For the compiler: they do not overlap.
+        double* __restrict const to = total[0];
+        double const* __restrict const from = total[0] + n;
+        for (std::ptrdiff_t i = 0; i < n; ++i)
+            to[i] += from[i];
+    }
     void one(std::ptrdiff_t column, std::ptrdiff_t at, std::ptrdiff_t stride, std::ptrdiff_t n) const
     {
         double total = 0;
@@ -48,6 +56,7 @@ struct SumFold : PlainFold {
 // --- all and any ----------------------------------------------------------------------------------
 
 template <bool every> struct TruthFold : PlainFold {
+    static constexpr bool in_any_order = true;
     double const *x, *xi;
     double* result;
 
@@ -62,6 +71,11 @@ template <bool every> struct TruthFold : PlainFold {
     {
         if (from[0][j] != every)
             flag[0][i] = !every;
+    }
+    static void merge_next(double* const* flag, std::ptrdiff_t n)
+    {
+        for (std::ptrdiff_t i = 0; i < n; ++i)
+            merge(flag, i, flag, i + n);
     }
     static bool done(double* const* flag, std::ptrdiff_t width, std::ptrdiff_t columns)
     {
@@ -89,6 +103,7 @@ template <bool every> struct TruthFold : PlainFold {
 // The state is the best value, or squared modulus, and the row where it was found; -1 for none.
 template <bool larger> struct BestFold : PlainFold {
     static constexpr std::size_t parts = 2;
+    static constexpr bool in_any_order = true;
     double const *x, *xi;
     std::ptrdiff_t stride;
     double *re, *im, *index;
@@ -109,17 +124,18 @@ template <bool larger> struct BestFold : PlainFold {
     {
         (larger ? loops.largest : loops.smallest)(state[0], state[1], x + at, xi ? xi + at : nullptr, rows, static_cast<double>(first));
     }
-    static void renumber(double* const* state, std::ptrdiff_t i, std::ptrdiff_t by, std::ptrdiff_t add)
+    void renumber(double* const* state, std::ptrdiff_t first, std::ptrdiff_t n, std::ptrdiff_t by, std::ptrdiff_t add, int step) const
     {
-        if (state[1][i] >= 0)
-            state[1][i] = state[1][i] * static_cast<double>(by) + static_cast<double>(add);
+        loops.renumber(state[1] + first, static_cast<int>(n), static_cast<double>(by), static_cast<double>(add), step);
     }
-    static void merge(double* const* state, std::ptrdiff_t i, double* const* from, std::ptrdiff_t j)
+    void merge(double* const* state, std::ptrdiff_t i, double* const* from, std::ptrdiff_t j) const
     {
-        double const value = from[0][j], row = from[1][j], best = state[0][i], best_row = state[1][i];
-        bool const better = (larger ? value > best : value < best) | ((value == best) & (row < best_row));
-        state[0][i] = better ? value : best;
-        state[1][i] = better ? row : best_row;
+        merge_run(state[0] + i, state[1] + i, from[0] + j, from[1] + j, 1);
+    }
+    void merge_next(double* const* state, std::ptrdiff_t n) const { merge_run(state[0], state[1], state[0] + n, state[1] + n, n); }
+    void merge_run(double* best, double* row, double const* value, double const* number, std::ptrdiff_t n) const
+    {
+        (larger ? loops.merge_largest : loops.merge_smallest)(best, row, value, number, n);
     }
     void one(std::ptrdiff_t column, std::ptrdiff_t at, std::ptrdiff_t step, std::ptrdiff_t n) const
     {

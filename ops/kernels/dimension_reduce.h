@@ -11,10 +11,13 @@ namespace arrlib {
 // A Fold is what is computed. It has
 //   parts                        numbers of state per column, 1 or 2
 //   in_order                     whether the elements of a column must be taken one after the other
+//   in_any_order                 whether the result is the same bits in whatever order they are taken
 //   start(part)                  the state before the first element
 //   rows(state, at, rows, k)     takes rows in, of which the first is row k and begins at element `at`
 //   merge(state, i, from, j)     takes column j of `from` into column i, where the order is free
-//   renumber(state, i, by, add)  row numbers n in the state become n * by + add
+//   merge_next(state, n)         the same for the first n columns and the n behind them, for all at once
+//   renumber(state, i, n, by, add, step)  row numbers r in columns i to i + n become r * by + add, + step in
+//                                each further column
 //   done(state, width, columns)  whether no further row can change the result; column i of the result
 //                                is made of the columns i, i + columns, ... of the state
 //   one(column, at, stride, n)   reduces a short vector and writes the result
@@ -116,15 +119,21 @@ private:
         std::ptrdiff_t const wide_rows = count / together;
         for (std::ptrdiff_t w = 0; w < wide_rows && !fold_.done(wide.part, width, stride); w += rows_at_once)
             fold_.rows(wide.part, at + w * width, {width, std::min(rows_at_once, wide_rows - w), width}, w);
-        for (std::ptrdiff_t i = 0; i < width; ++i)
-            fold_.renumber(wide.part, i, together, k + i / stride);
+        std::ptrdiff_t const taken = wide_rows * together;
+        // The last, shorter row.
+        if (Fold::in_any_order && taken < count)
+            fold_.rows(wide.part, at + taken * stride, {width, 1, (count - taken) * stride}, wide_rows);
+        if (stride == 1)
+            fold_.renumber(wide.part, 0, together, together, k, 1);
+        else
+            for (std::ptrdiff_t row = 0; row < together; ++row)
+                fold_.renumber(wide.part, row * stride, stride, together, k + row, 0);
         for (std::ptrdiff_t half = together / 2; half > 0; half /= 2)
-            for (std::ptrdiff_t i = 0; i < half * stride; ++i)
-                fold_.merge(wide.part, i, wide.part, i + half * stride);
+            fold_.merge_next(wide.part, half * stride);
         for (std::size_t p = 0; p < parts; ++p)
             std::copy_n(wide.part[p], stride, state[p]);
-        std::ptrdiff_t const taken = wide_rows * together;
-        fold_.rows(state, at + taken * stride, {stride, count - taken, stride}, k + taken);
+        if (!Fold::in_any_order)
+            fold_.rows(state, at + taken * stride, {stride, count - taken, stride}, k + taken);
     }
 
     bool run_spans() const
