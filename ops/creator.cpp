@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 
 using namespace arrlib;
 
@@ -26,7 +27,15 @@ void fill(double* to, int count, double value)
 {
     // A thread that gets less than this costs more than it saves.
     constexpr std::ptrdiff_t share = 1 << 17;
-    parallel_for(count, share, [=](std::ptrdiff_t from, std::ptrdiff_t end) { std::fill(to + from, to + end, value); });
+    parallel_for(count, share, [=](std::ptrdiff_t from, std::ptrdiff_t end) {
+        // The C library writes long runs without reading first what they overwrite: a few numbers are its pattern.
+        constexpr std::ptrdiff_t pattern = 1024;
+        double const* const first = to + from;
+        std::ptrdiff_t at = std::min(from + pattern, end);
+        std::fill(to + from, to + at, value);
+        for (; at < end; at += pattern)
+            std::memcpy(to + at, first, static_cast<std::size_t>(std::min(pattern, end - at)) * sizeof(double));
+    });
 }
 
 } // namespace
