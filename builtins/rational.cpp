@@ -133,11 +133,11 @@ M<double> blank_text(Dims const& shape)
 constexpr Arguments rat_args("rat");
 
 // A full real operand and its tolerance; false after a report.
-struct Operand {
+struct RealArgument {
     M<double> x;
     double tolerance = 0;
 
-    Operand(M<double> const& argument, M<double> const& tol)
+    RealArgument(M<double> const& argument, M<double> const& tol)
     {
         if (!rat_args.real(argument) || (given(tol) && !rat_args.real(tol)))
             return;
@@ -161,7 +161,7 @@ M<double> rat(M<double> const& x)
 
 M<double> rat(M<double> const& x, M<double> const& tol)
 {
-    Operand const operand(x, tol);
+    RealArgument const operand(x, tol);
     if (!operand)
         return x_M;
     int width = 0;
@@ -194,7 +194,7 @@ M<double> rat(M<double> const& x, M<double> const& tol, i_o_t, Mr<double> text)
 
 M<double> rat(M<double> const& x, M<double> const& tol, i_o_t, Mr<double> n, Mr<double> d)
 {
-    Operand const operand(x, tol);
+    RealArgument const operand(x, tol);
     M<double> numerators = full_result(shape_of(x)), denominators = full_result(shape_of(x));
     if (!operand || !has_storage(numerators) || !has_storage(denominators))
         return no_results(n, d);

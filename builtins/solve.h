@@ -32,8 +32,8 @@ inline M<double> quotient(M<double> const& x, M<double> const& y, Temporaries te
 } // namespace arrlib
 
 // mrdivide as an operator.
-inline M<double> operator/(M<double> const& x, M<double> const& y) { return arrlib::quotient(x, y, arrlib::no_temporary); }
-inline M<double> operator/(M<double>&& x, M<double> const& y) { return arrlib::quotient(x, y, arrlib::temporary_x); }
+inline M<double> operator/(M<double> const& x, arrlib::Operand const& y) { return arrlib::quotient(x, y.value, arrlib::in_statement); }
+inline M<double> operator/(M<double>&& x, arrlib::Operand const& y) { return arrlib::quotient(x, y.value, arrlib::temporary_x_in_statement); }
 inline M<double> operator/(M<double> const& x, M<double>&& y) { return arrlib::quotient(x, y, arrlib::temporary_y); }
 inline M<double> operator/(M<double>&& x, M<double>&& y) { return arrlib::quotient(x, y, arrlib::temporary_both); }
 inline M<double> operator/(M<double> const& x, double y) { return arrlib::fast<op_rdivide>(x, y); }

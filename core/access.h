@@ -86,6 +86,9 @@ template <class T> struct Access {
         matrix.place_.nnz = shape.count;
     }
 
+    // Where the elements are, or will be when they have been computed (core/due.h).
+    static T* elements(M<T> const& matrix) { return matrix.place_.re; }
+    static StorageRecord* storage(M<T> const& matrix) { return matrix.place_.shared; }
     static void drop_imaginary(M<T>& matrix) { matrix.place_.im = nullptr; }
     // Null for a full value.
     static int* index(M<T> const& matrix) { return matrix.is_in_header() ? nullptr : matrix.place_.index; }

@@ -67,7 +67,7 @@ template <class T> unsigned Elements<T>::checked(M<T> const& matrix, ElementPart
 // Reading through a constant value changes nothing: what is not stored reads as zero.
 template <class T> T const& Elements<T>::readable(M<T> const& matrix, ElementPart which, unsigned at)
 {
-    T const* const parts = which == ElementPart::real ? matrix.place_.re : matrix.place_.im;
+    T const* const parts = which == ElementPart::real ? matrix.addr() : matrix.place_.im;
     if constexpr (std::is_same_v<T, double>) {
         static constexpr double zero = 0;
         if (matrix.issparse())

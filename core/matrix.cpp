@@ -179,7 +179,7 @@ template <class T> void M<T>::deepcopy(int complex, int sparse, M const& source)
             for (int k = 0; k < count; ++k)
                 made.place_.index[k] = k;
     }
-    Storage<T>::copy(made.place_.re, source.place_.re, count);
+    Storage<T>::copy(made.place_.re, source.addr(), count);
     if (made.place_.im && source.place_.im)
         Storage<T>::copy(made.place_.im, source.place_.im, count);
     else if (made.place_.im)
@@ -189,6 +189,8 @@ template <class T> void M<T>::deepcopy(int complex, int sparse, M const& source)
 
 template <class T> void M<T>::unshare()
 {
+    // What is due holds its operands and its result.
+    arrlib::compute_due();
     if (dirty())
         deepcopy(isc(), issparse(), M(*this));
 }
@@ -276,7 +278,7 @@ template <class T> bool M<T>::verify_sparse(char const* operation) const
 template <class T> T* M<T>::spaddr() const
 {
     verify_sparse("spaddr");
-    return place_.re;
+    return addr();
 }
 
 template <class T> T* M<T>::spaddi() const

@@ -4,6 +4,7 @@
 #define ARRLIB_CORE_MATRIX_H
 
 #include "core/api.h"
+#include "core/due.h"
 #include "core/storage.h"
 #include "runtime/errors.h"
 
@@ -204,6 +205,7 @@ public:
     M& operator=(M const& other)
     {
         if (ARRLIB_LIKELY(this != &other)) {
+            arrlib::compute_due();
             if (ARRLIB_LIKELY(other.place_.shared != nullptr))
                 arrlib::add_reference(other.place_.shared);
             StorageRef const old(*this);
@@ -314,8 +316,14 @@ public:
     void reshape(int ndims, int const* dims);
 
     // --- elements -----------------------------------------------------------------------------
-    // Addresses, 1-based, unchecked, into storage that others may share.
-    T* addr() const { return place_.re; }
+    // Addresses, 1-based, unchecked, into storage that others may share: copies, and until its end a
+    // statement that has the value as an operand.
+    T* addr() const
+    {
+        if (ARRLIB_UNLIKELY(arrlib::elements_due != nullptr))
+            return static_cast<T*>(arrlib::computed(place_.re));
+        return place_.re;
+    }
     // Whether the value is a number that has no storage but its header.
     bool is_in_header() const
     {
@@ -330,10 +338,10 @@ public:
         if constexpr (std::is_same_v<T, double>)
             if (ARRLIB_LIKELY(is_in_header()))
                 return place_.number;
-        return place_.re[0];
+        return *addr();
     }
-    T* addr(int k) const { return place_.re + k - 1; }
-    T* addr(int i, int j) const { return place_.re + (static_cast<std::ptrdiff_t>(form_.dims[0]) * (j - 1) + i - 1); }
+    T* addr(int k) const { return addr() + k - 1; }
+    T* addr(int i, int j) const { return addr() + (static_cast<std::ptrdiff_t>(form_.dims[0]) * (j - 1) + i - 1); }
     T* addi() const { return place_.im; }
     T* addi(int k) const { return place_.im + k - 1; }
     T* addi(int i, int j) const { return place_.im + (static_cast<std::ptrdiff_t>(form_.dims[0]) * (j - 1) + i - 1); }
@@ -358,7 +366,7 @@ public:
     {
         unsigned const at = position(k);
         if (ARRLIB_LIKELY(at < static_cast<unsigned>(place_.nnz) && !issparse()))
-            return place_.re[at];
+            return addr()[at];
         return elements::read(*this, arrlib::ElementPart::real, k);
     }
     T const& r(double row, double col) const { return elements::read(*this, arrlib::ElementPart::real, row, col); }
@@ -515,6 +523,8 @@ private:
     }
     __attribute__((noinline)) M& take_over(M& other)
     {
+        // What is assigned is not due any longer.
+        arrlib::compute_due();
         if (ARRLIB_LIKELY(this != &other)) {
             StorageRef const old(*this);
             copy_fields(other);

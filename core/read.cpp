@@ -470,7 +470,7 @@ template <> M<double>::M(Sr<double> const& selection) : M(0.0, in_header())
         return;
     }
     auto const at = static_cast<unsigned>(position);
-    place_.number = ARRLIB_UNLIKELY(target.issparse()) ? Elements<double>::readable(target, ElementPart::real, at) : target.place_.re[at];
+    place_.number = ARRLIB_UNLIKELY(target.issparse()) ? Elements<double>::readable(target, ElementPart::real, at) : target.addr()[at];
     form_.flags = target.form_.flags & (string_flag | logical_flag);
 }
 template <> M<M<double>>::M(Sr<M<double>> const& selection) : M(arrlib::read(selection)) {}

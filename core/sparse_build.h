@@ -106,7 +106,7 @@ private:
 // False when the storage could not be had; that has been reported.
 inline bool has_storage(M<double> const& matrix)
 {
-    return matrix.addr() != nullptr;
+    return Access<double>::elements(matrix) != nullptr;
 }
 
 // A sparse value with no entries and room for some; without storage after a report, such as

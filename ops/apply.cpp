@@ -4,6 +4,7 @@
 #include "core/sparse.h"
 #include "core/sparse_build.h"
 #include "core/subscript.h"
+#include "ops/chain.h"
 #include "ops/elementwise.h"
 #include "ops/elementwise_core.h"
 #include "ops/engine.h"
@@ -30,7 +31,7 @@ constexpr int most_elements_past_engine = 16;
 // Real, full and not empty.
 bool is_small(M<double> const& x)
 {
-    return x.getndims() == 2 && static_cast<unsigned>(x.getnnz()) - 1u < most_elements_past_engine && !x.isc() && !x.issparse();
+    return x.getndims() == 2 && static_cast<unsigned>(x.getnnz()) - 1u < most_elements_past_engine && x.getnnz() < least_in_chain && !x.isc() && !x.issparse();
 }
 
 // Storage for the result of small operands: a temporary's that nobody else holds, or new.
@@ -67,6 +68,13 @@ M<double> through_engine(OpCode op, M<double>&& x, M<double>&& y)
     return result;
 }
 
+M<double> past_engine(OpCode op, M<double> const& x, M<double> const& y, Temporaries temporaries)
+{
+    if (ARRLIB_UNLIKELY(goes_into_chain(x, y, temporaries)))
+        return chained_elementwise(op, x, y, temporaries);
+    return straight_elementwise(op, x, y, temporaries);
+}
+
 [[gnu::noinline]] M<double> of_operands(OpCode op, M<double> const& x, M<double> const& y, Temporaries temporaries)
 {
     return through_engine(op, taken(x, temporaries & temporary_x), taken(y, temporaries & temporary_y));
@@ -77,7 +85,7 @@ M<double> through_engine(OpCode op, M<double>&& x, M<double>&& y)
 M<double> apply(OpCode op, M<double> const& x, Temporaries temporaries)
 {
     if (goes_straight(op, x, zero_M))
-        return straight_elementwise(op, x, zero_M, temporaries);
+        return past_engine(op, x, zero_M, temporaries);
     return through_engine(op, taken(x, temporaries & temporary_x), M<double>(zero_M));
 }
 
@@ -96,7 +104,7 @@ M<double> apply(OpCode op, M<double> const& x, M<double> const& y, Temporaries t
         default:
             break;
         }
-    return goes_straight(op, x, y) ? straight_elementwise(op, x, y, temporaries) : of_operands(op, x, y, temporaries);
+    return goes_straight(op, x, y) ? past_engine(op, x, y, temporaries) : of_operands(op, x, y, temporaries);
 }
 
 M<double> beside(OpCode op, M<double> const& x, M<double> const& y, Temporaries temporaries)
@@ -106,12 +114,12 @@ M<double> beside(OpCode op, M<double> const& x, M<double> const& y, Temporaries 
 
 M<double> beside(OpCode op, M<double> const& x, double y, Temporaries temporaries)
 {
-    return apply(op, x, M<double>(y), temporaries);
+    return apply(op, x, M<double>(y, in_header()), temporaries);
 }
 
 M<double> beside(OpCode op, double x, M<double> const& y, Temporaries temporaries)
 {
-    return apply(op, M<double>(x), y, temporaries);
+    return apply(op, M<double>(x, in_header()), y, temporaries);
 }
 
 M<double> multiply(M<double> const& x, M<double> const& y, Temporaries temporaries)

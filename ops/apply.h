@@ -10,8 +10,35 @@
 
 namespace arrlib {
 
-// Which operands end with the call, and may give their storage to the result.
-enum Temporaries : int { no_temporary = 0, temporary_x = 1, temporary_y = 2, temporary_both = 3 };
+// Which operands end with the call, and may give their storage to the result; in_statement with one of them:
+// whether the elements of the result may wait for the end of the statement.
+enum Temporaries : int { no_temporary = 0, temporary_x = 1, temporary_y = 2, temporary_both = 3, in_statement = 4, temporary_x_in_statement = 5, temporary_y_in_statement = 6 };
+
+// Made for a call, and ended by C++ with the statement: that is when elements that are due are computed. Until
+// then a result shares the storage of its operands.
+class EndOfStatement {
+public:
+    constexpr EndOfStatement() = default;
+    ~EndOfStatement() { compute_due(); }
+    EndOfStatement(EndOfStatement const&) = delete;
+    EndOfStatement& operator=(EndOfStatement const&) = delete;
+};
+
+// An operand of an operator, which has no place for more: a value that was there before the statement.
+class Operand {
+public:
+    Operand(M<double> const& x) : value(x) {}
+    // What refers to a value, as std::reference_wrapper does.
+    template <class Holder, class = std::enable_if_t<!std::is_base_of_v<M<double>, std::decay_t<Holder>> && std::is_convertible_v<Holder, M<double> const&> && !std::is_convertible_v<Holder, M<double>&&>>>
+    Operand(Holder&& holder) : value(holder)
+    {
+    }
+
+    M<double> const& value;
+
+private:
+    EndOfStatement end_;
+};
 
 // The engine, element by element (ops/engine.h).
 ARRLIB_API M<double> apply(OpCode op, M<double> const& x, Temporaries temporaries = no_temporary);

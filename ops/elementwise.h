@@ -207,54 +207,54 @@ inline M<double> uplus(M<double> const& x) { return x; }
 // --- arithmetic on two values ---------------------------------------------------------------------
 
 // x + y.
-inline M<double> plus(M<double> const& x, M<double> const& y) { return arrlib::fast<op_plus>(x, y); }
-inline M<double> plus(M<double>&& x, M<double> const& y) { return arrlib::fast<op_plus>(x, y, arrlib::temporary_x); }
-inline M<double> plus(M<double> const& x, M<double>&& y) { return arrlib::fast<op_plus>(x, y, arrlib::temporary_y); }
+inline M<double> plus(M<double> const& x, M<double> const& y, arrlib::EndOfStatement const& = {}) { return arrlib::fast<op_plus>(x, y, arrlib::in_statement); }
+inline M<double> plus(M<double>&& x, M<double> const& y, arrlib::EndOfStatement const& = {}) { return arrlib::fast<op_plus>(x, y, arrlib::temporary_x_in_statement); }
+inline M<double> plus(M<double> const& x, M<double>&& y, arrlib::EndOfStatement const& = {}) { return arrlib::fast<op_plus>(x, y, arrlib::temporary_y_in_statement); }
 inline M<double> plus(M<double>&& x, M<double>&& y) { return arrlib::fast<op_plus>(x, y, arrlib::temporary_both); }
 // The same as plus.
-inline M<double> dot_add(M<double> const& x, M<double> const& y) { return arrlib::fast<op_plus>(x, y); }
-inline M<double> dot_add(M<double>&& x, M<double> const& y) { return arrlib::fast<op_plus>(x, y, arrlib::temporary_x); }
-inline M<double> dot_add(M<double> const& x, M<double>&& y) { return arrlib::fast<op_plus>(x, y, arrlib::temporary_y); }
+inline M<double> dot_add(M<double> const& x, M<double> const& y, arrlib::EndOfStatement const& = {}) { return arrlib::fast<op_plus>(x, y, arrlib::in_statement); }
+inline M<double> dot_add(M<double>&& x, M<double> const& y, arrlib::EndOfStatement const& = {}) { return arrlib::fast<op_plus>(x, y, arrlib::temporary_x_in_statement); }
+inline M<double> dot_add(M<double> const& x, M<double>&& y, arrlib::EndOfStatement const& = {}) { return arrlib::fast<op_plus>(x, y, arrlib::temporary_y_in_statement); }
 inline M<double> dot_add(M<double>&& x, M<double>&& y) { return arrlib::fast<op_plus>(x, y, arrlib::temporary_both); }
 // x - y.
-inline M<double> minus(M<double> const& x, M<double> const& y) { return arrlib::fast<op_minus>(x, y); }
-inline M<double> minus(M<double>&& x, M<double> const& y) { return arrlib::fast<op_minus>(x, y, arrlib::temporary_x); }
-inline M<double> minus(M<double> const& x, M<double>&& y) { return arrlib::fast<op_minus>(x, y, arrlib::temporary_y); }
+inline M<double> minus(M<double> const& x, M<double> const& y, arrlib::EndOfStatement const& = {}) { return arrlib::fast<op_minus>(x, y, arrlib::in_statement); }
+inline M<double> minus(M<double>&& x, M<double> const& y, arrlib::EndOfStatement const& = {}) { return arrlib::fast<op_minus>(x, y, arrlib::temporary_x_in_statement); }
+inline M<double> minus(M<double> const& x, M<double>&& y, arrlib::EndOfStatement const& = {}) { return arrlib::fast<op_minus>(x, y, arrlib::temporary_y_in_statement); }
 inline M<double> minus(M<double>&& x, M<double>&& y) { return arrlib::fast<op_minus>(x, y, arrlib::temporary_both); }
 // The same as minus.
-inline M<double> dot_sub(M<double> const& x, M<double> const& y) { return arrlib::fast<op_minus>(x, y); }
-inline M<double> dot_sub(M<double>&& x, M<double> const& y) { return arrlib::fast<op_minus>(x, y, arrlib::temporary_x); }
-inline M<double> dot_sub(M<double> const& x, M<double>&& y) { return arrlib::fast<op_minus>(x, y, arrlib::temporary_y); }
+inline M<double> dot_sub(M<double> const& x, M<double> const& y, arrlib::EndOfStatement const& = {}) { return arrlib::fast<op_minus>(x, y, arrlib::in_statement); }
+inline M<double> dot_sub(M<double>&& x, M<double> const& y, arrlib::EndOfStatement const& = {}) { return arrlib::fast<op_minus>(x, y, arrlib::temporary_x_in_statement); }
+inline M<double> dot_sub(M<double> const& x, M<double>&& y, arrlib::EndOfStatement const& = {}) { return arrlib::fast<op_minus>(x, y, arrlib::temporary_y_in_statement); }
 inline M<double> dot_sub(M<double>&& x, M<double>&& y) { return arrlib::fast<op_minus>(x, y, arrlib::temporary_both); }
 // x .* y.
-inline M<double> dot_mul(M<double> const& x, M<double> const& y) { return arrlib::fast<op_times>(x, y); }
-inline M<double> dot_mul(M<double>&& x, M<double> const& y) { return arrlib::fast<op_times>(x, y, arrlib::temporary_x); }
-inline M<double> dot_mul(M<double> const& x, M<double>&& y) { return arrlib::fast<op_times>(x, y, arrlib::temporary_y); }
+inline M<double> dot_mul(M<double> const& x, M<double> const& y, arrlib::EndOfStatement const& = {}) { return arrlib::fast<op_times>(x, y, arrlib::in_statement); }
+inline M<double> dot_mul(M<double>&& x, M<double> const& y, arrlib::EndOfStatement const& = {}) { return arrlib::fast<op_times>(x, y, arrlib::temporary_x_in_statement); }
+inline M<double> dot_mul(M<double> const& x, M<double>&& y, arrlib::EndOfStatement const& = {}) { return arrlib::fast<op_times>(x, y, arrlib::temporary_y_in_statement); }
 inline M<double> dot_mul(M<double>&& x, M<double>&& y) { return arrlib::fast<op_times>(x, y, arrlib::temporary_both); }
 // The same as dot_mul.
-inline M<double> times(M<double> const& x, M<double> const& y) { return arrlib::fast<op_times>(x, y); }
-inline M<double> times(M<double>&& x, M<double> const& y) { return arrlib::fast<op_times>(x, y, arrlib::temporary_x); }
-inline M<double> times(M<double> const& x, M<double>&& y) { return arrlib::fast<op_times>(x, y, arrlib::temporary_y); }
+inline M<double> times(M<double> const& x, M<double> const& y, arrlib::EndOfStatement const& = {}) { return arrlib::fast<op_times>(x, y, arrlib::in_statement); }
+inline M<double> times(M<double>&& x, M<double> const& y, arrlib::EndOfStatement const& = {}) { return arrlib::fast<op_times>(x, y, arrlib::temporary_x_in_statement); }
+inline M<double> times(M<double> const& x, M<double>&& y, arrlib::EndOfStatement const& = {}) { return arrlib::fast<op_times>(x, y, arrlib::temporary_y_in_statement); }
 inline M<double> times(M<double>&& x, M<double>&& y) { return arrlib::fast<op_times>(x, y, arrlib::temporary_both); }
 // x ./ y.
-inline M<double> dot_div(M<double> const& x, M<double> const& y) { return arrlib::fast<op_rdivide>(x, y); }
-inline M<double> dot_div(M<double>&& x, M<double> const& y) { return arrlib::fast<op_rdivide>(x, y, arrlib::temporary_x); }
-inline M<double> dot_div(M<double> const& x, M<double>&& y) { return arrlib::fast<op_rdivide>(x, y, arrlib::temporary_y); }
+inline M<double> dot_div(M<double> const& x, M<double> const& y, arrlib::EndOfStatement const& = {}) { return arrlib::fast<op_rdivide>(x, y, arrlib::in_statement); }
+inline M<double> dot_div(M<double>&& x, M<double> const& y, arrlib::EndOfStatement const& = {}) { return arrlib::fast<op_rdivide>(x, y, arrlib::temporary_x_in_statement); }
+inline M<double> dot_div(M<double> const& x, M<double>&& y, arrlib::EndOfStatement const& = {}) { return arrlib::fast<op_rdivide>(x, y, arrlib::temporary_y_in_statement); }
 inline M<double> dot_div(M<double>&& x, M<double>&& y) { return arrlib::fast<op_rdivide>(x, y, arrlib::temporary_both); }
 // The same as dot_div.
-inline M<double> rdivide(M<double> const& x, M<double> const& y) { return arrlib::fast<op_rdivide>(x, y); }
-inline M<double> rdivide(M<double>&& x, M<double> const& y) { return arrlib::fast<op_rdivide>(x, y, arrlib::temporary_x); }
-inline M<double> rdivide(M<double> const& x, M<double>&& y) { return arrlib::fast<op_rdivide>(x, y, arrlib::temporary_y); }
+inline M<double> rdivide(M<double> const& x, M<double> const& y, arrlib::EndOfStatement const& = {}) { return arrlib::fast<op_rdivide>(x, y, arrlib::in_statement); }
+inline M<double> rdivide(M<double>&& x, M<double> const& y, arrlib::EndOfStatement const& = {}) { return arrlib::fast<op_rdivide>(x, y, arrlib::temporary_x_in_statement); }
+inline M<double> rdivide(M<double> const& x, M<double>&& y, arrlib::EndOfStatement const& = {}) { return arrlib::fast<op_rdivide>(x, y, arrlib::temporary_y_in_statement); }
 inline M<double> rdivide(M<double>&& x, M<double>&& y) { return arrlib::fast<op_rdivide>(x, y, arrlib::temporary_both); }
 // x .\ y, which is y ./ x.
-inline M<double> dot_invdiv(M<double> const& x, M<double> const& y) { return arrlib::apply(op_ldivide, x, y); }
-inline M<double> dot_invdiv(M<double>&& x, M<double> const& y) { return arrlib::apply(op_ldivide, x, y, arrlib::temporary_x); }
-inline M<double> dot_invdiv(M<double> const& x, M<double>&& y) { return arrlib::apply(op_ldivide, x, y, arrlib::temporary_y); }
+inline M<double> dot_invdiv(M<double> const& x, M<double> const& y, arrlib::EndOfStatement const& = {}) { return arrlib::apply(op_ldivide, x, y, arrlib::in_statement); }
+inline M<double> dot_invdiv(M<double>&& x, M<double> const& y, arrlib::EndOfStatement const& = {}) { return arrlib::apply(op_ldivide, x, y, arrlib::temporary_x_in_statement); }
+inline M<double> dot_invdiv(M<double> const& x, M<double>&& y, arrlib::EndOfStatement const& = {}) { return arrlib::apply(op_ldivide, x, y, arrlib::temporary_y_in_statement); }
 inline M<double> dot_invdiv(M<double>&& x, M<double>&& y) { return arrlib::apply(op_ldivide, x, y, arrlib::temporary_both); }
 // The same as dot_invdiv.
-inline M<double> ldivide(M<double> const& x, M<double> const& y) { return arrlib::apply(op_ldivide, x, y); }
-inline M<double> ldivide(M<double>&& x, M<double> const& y) { return arrlib::apply(op_ldivide, x, y, arrlib::temporary_x); }
-inline M<double> ldivide(M<double> const& x, M<double>&& y) { return arrlib::apply(op_ldivide, x, y, arrlib::temporary_y); }
+inline M<double> ldivide(M<double> const& x, M<double> const& y, arrlib::EndOfStatement const& = {}) { return arrlib::apply(op_ldivide, x, y, arrlib::in_statement); }
+inline M<double> ldivide(M<double>&& x, M<double> const& y, arrlib::EndOfStatement const& = {}) { return arrlib::apply(op_ldivide, x, y, arrlib::temporary_x_in_statement); }
+inline M<double> ldivide(M<double> const& x, M<double>&& y, arrlib::EndOfStatement const& = {}) { return arrlib::apply(op_ldivide, x, y, arrlib::temporary_y_in_statement); }
 inline M<double> ldivide(M<double>&& x, M<double>&& y) { return arrlib::apply(op_ldivide, x, y, arrlib::temporary_both); }
 // x .^ y; complex where a negative element is raised to a fraction.
 inline M<double> dot_pow(M<double> const& x, M<double> const& y) { return arrlib::apply(op_power, x, y); }

@@ -1,13 +1,16 @@
 #include "ops/elementwise_core.h"
 
 #include "core/access.h"
+#include "core/due.h"
 #include "core/sparse.h"
 #include "core/sparse_build.h"
+#include "ops/chain.h"
 #include "ops/complex_rule.h"
 #include "ops/op_table.h"
 #include "ops/sparse_elementwise.h"
 #include "runtime/constants.h"
 #include "runtime/errors.h"
+#include "runtime/locks.h"
 #include "runtime/workers.h"
 
 #include <algorithm>
@@ -18,9 +21,6 @@
 namespace arrlib {
 
 namespace {
-
-// Fewer elements than this are not worth another thread.
-constexpr std::ptrdiff_t least_per_thread = 16384;
 
 ComplexOperand tail(ComplexOperand x, std::ptrdiff_t from)
 {
@@ -70,10 +70,10 @@ bool is_real_for_real(ComplexRule rule)
     return rule == ComplexRule::never || rule == ComplexRule::with_x || rule == ComplexRule::with_either;
 }
 
-// Over all elements, or over the one of a scalar.
+// Over all elements, which are not due, or over the one of a scalar.
 ComplexOperand operand(M<double> const& x, bool scalar)
 {
-    return {x.addr(), x.addi(), scalar ? 0 : 1};
+    return {Access<double>::elements(x), x.addi(), scalar ? 0 : 1};
 }
 
 // The operation on implicit zeros, beside a scalar, is an exact zero.
@@ -171,6 +171,11 @@ M<double> full_result(OpCode op, M<double>&& x, M<double>&& y, bool complex)
     return made;
 }
 
+bool either_continues_chain(M<double> const& x, M<double> const& y, Temporaries temporaries)
+{
+    return ((temporaries & temporary_x) && continues_chain(x)) || ((temporaries & temporary_y) && continues_chain(y));
+}
+
 // Whether the elements of x alone may tell that the result is real: by which rule, if not `never`.
 ComplexRule rule_for_x(ComplexRule rule, M<double> const& x, M<double> const& y)
 {
@@ -227,6 +232,7 @@ M<double> straight_elementwise(OpCode op, M<double> const& x, M<double> const& y
     bool const x_scalar = x.getnnz() == 1, y_scalar = y.getnnz() == 1;
     M<double> const& like = y_scalar ? x : y;
     int const count = like.getnnz();
+    compute_due();
     // A temporary's elements stay where they are when its storage moves.
     ComplexOperand const from_x = operand(x, x_scalar), from_y = operand(y, y_scalar);
     M<double> made = (temporaries & temporary_x) && can_lend(x, count, false)   ? lent(std::move(const_cast<M<double>&>(x)), false)
@@ -234,7 +240,41 @@ M<double> straight_elementwise(OpCode op, M<double> const& x, M<double> const& y
                                                                                 : Access<double>::full_like(like);
     // One value to return, which is then made where the caller wants it.
     if (has_storage(made)) {
-        Loop(op, false, false).run_on_all_threads(from_x, from_y, made.addr(), nullptr, count);
+        Loop(op, false, false).run_on_all_threads(from_x, from_y, Access<double>::elements(made), nullptr, count);
+        if (find_operation(op)->logical)
+            made.setlogical(1);
+    } else {
+        made = x_M;
+    }
+    return made;
+}
+
+bool goes_into_chain(M<double> const& x, M<double> const& y, Temporaries temporaries)
+{
+    bool const goes_on = either_continues_chain(x, y, temporaries);
+    bool const may_start = (temporaries & in_statement) && std::max(x.getnnz(), y.getnnz()) >= least_in_chain && !multi_threaded();
+    if (!goes_on && !may_start)
+        return false;
+    if (!goes_on)
+        compute_due();
+    // A value that was sparse may still have room for positions, which would have to be given back with the rest;
+    // and what another thread has begun stays.
+    return !Access<double>::index(x) && !Access<double>::index(y) && (goes_on || !elements_due);
+}
+
+M<double> chained_elementwise(OpCode op, M<double> const& x, M<double> const& y, Temporaries temporaries)
+{
+    M<double> const& like = y.getnnz() == 1 ? x : y;
+    bool const goes_on = either_continues_chain(x, y, temporaries);
+    ChainOperand const from_x(x, x.getnnz() == 1), from_y(y, y.getnnz() == 1);
+    auto const lends = [&](M<double> const& operand) { return goes_on ? continues_chain(operand) : can_lend(operand, like.getnnz(), false); };
+    M<double> made = (temporaries & temporary_x) && lends(x)   ? lent(std::move(const_cast<M<double>&>(x)), false)
+                     : (temporaries & temporary_y) && lends(y) ? lent(std::move(const_cast<M<double>&>(y)), false)
+                                                               : Access<double>::full_like(like);
+    if (has_storage(made)) {
+        if (!goes_on)
+            start_chain(made);
+        add_to_chain(real_loop(op), from_x, from_y);
         if (find_operation(op)->logical)
             made.setlogical(1);
     } else {
@@ -246,6 +286,7 @@ M<double> straight_elementwise(OpCode op, M<double> const& x, M<double> const& y
 M<double> elementwise(OpCode op, M<double>&& x, M<double>&& y)
 {
     Operation const& row = *find_operation(op);
+    compute_due();
     M<double> made = Access<double>::without_storage();
     // Where the results may not take the place of the elements, a look ahead costs as much as they do.
     ComplexRule const rule = rule_for_x(row.complex, x, y);

@@ -8,16 +8,16 @@
 // Messages and shapes as in ops/elementwise.h.
 
 // The sum and the difference, element by element; of one value x itself and -x.
-inline M<double> operator+(M<double> const& x, M<double> const& y) { return arrlib::fast<op_plus>(x, y, arrlib::no_temporary); }
-inline M<double> operator+(M<double>&& x, M<double> const& y) { return arrlib::fast<op_plus>(x, y, arrlib::temporary_x); }
+inline M<double> operator+(M<double> const& x, arrlib::Operand const& y) { return arrlib::fast<op_plus>(x, y.value, arrlib::in_statement); }
+inline M<double> operator+(M<double>&& x, arrlib::Operand const& y) { return arrlib::fast<op_plus>(x, y.value, arrlib::temporary_x_in_statement); }
 inline M<double> operator+(M<double> const& x, M<double>&& y) { return arrlib::fast<op_plus>(x, y, arrlib::temporary_y); }
 inline M<double> operator+(M<double>&& x, M<double>&& y) { return arrlib::fast<op_plus>(x, y, arrlib::temporary_both); }
 inline M<double> operator+(M<double> const& x, double y) { return arrlib::fast<op_plus>(x, y); }
 inline M<double> operator+(M<double>&& x, double y) { return arrlib::fast<op_plus>(x, y, arrlib::temporary_x); }
 inline M<double> operator+(double x, M<double> const& y) { return arrlib::fast<op_plus>(x, y); }
 inline M<double> operator+(double x, M<double>&& y) { return arrlib::fast<op_plus>(x, y, arrlib::temporary_y); }
-inline M<double> operator-(M<double> const& x, M<double> const& y) { return arrlib::fast<op_minus>(x, y, arrlib::no_temporary); }
-inline M<double> operator-(M<double>&& x, M<double> const& y) { return arrlib::fast<op_minus>(x, y, arrlib::temporary_x); }
+inline M<double> operator-(M<double> const& x, arrlib::Operand const& y) { return arrlib::fast<op_minus>(x, y.value, arrlib::in_statement); }
+inline M<double> operator-(M<double>&& x, arrlib::Operand const& y) { return arrlib::fast<op_minus>(x, y.value, arrlib::temporary_x_in_statement); }
 inline M<double> operator-(M<double> const& x, M<double>&& y) { return arrlib::fast<op_minus>(x, y, arrlib::temporary_y); }
 inline M<double> operator-(M<double>&& x, M<double>&& y) { return arrlib::fast<op_minus>(x, y, arrlib::temporary_both); }
 inline M<double> operator-(M<double> const& x, double y) { return arrlib::fast<op_minus>(x, y); }
@@ -27,8 +27,8 @@ inline M<double> operator-(double x, M<double>&& y) { return arrlib::fast<op_min
 
 // The matrix product of operands with two or more elements each: "*: inner dimensions of %s and %s do
 // not agree". Element by element when one operand is a scalar; empty when one is empty.
-inline M<double> operator*(M<double> const& x, M<double> const& y) { return arrlib::product(x, y, arrlib::no_temporary); }
-inline M<double> operator*(M<double>&& x, M<double> const& y) { return arrlib::product(x, y, arrlib::temporary_x); }
+inline M<double> operator*(M<double> const& x, arrlib::Operand const& y) { return arrlib::product(x, y.value, arrlib::in_statement); }
+inline M<double> operator*(M<double>&& x, arrlib::Operand const& y) { return arrlib::product(x, y.value, arrlib::temporary_x_in_statement); }
 inline M<double> operator*(M<double> const& x, M<double>&& y) { return arrlib::product(x, y, arrlib::temporary_y); }
 inline M<double> operator*(M<double>&& x, M<double>&& y) { return arrlib::product(x, y, arrlib::temporary_both); }
 inline M<double> operator*(M<double> const& x, double y) { return arrlib::fast<op_times>(x, y); }

@@ -1,5 +1,6 @@
 #include "runtime/parallel.h"
 
+#include "core/due.h"
 #include "platform/platform.h"
 #include "runtime/errors.h"
 #include "runtime/report.h"
@@ -54,6 +55,7 @@ using namespace arrlib;
 
 int nx_set_MT(int on)
 {
+    compute_due();
     pool.set_threaded(on != 0);
     __atomic_store_n(&multi_thread_switch, on, __ATOMIC_RELEASE);
     return platform::process_id();

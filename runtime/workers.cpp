@@ -1,11 +1,12 @@
 #include "runtime/workers.h"
 
+#include "core/due.h"
 #include "platform/platform.h"
 
 #include <algorithm>
 #include <atomic>
 #include <cstdlib>
-#include <system_error>
+#include <exception>
 #include <thread>
 
 namespace arrlib {
@@ -107,7 +108,8 @@ void have_workers(int wanted)
     while (workers < wanted) {
         try {
             std::thread(serve).detach();
-        } catch (std::system_error const&) {
+        } catch (std::exception const&) {
+            // Neither a thread nor memory for one: the work is done on fewer.
             return;
         }
         ++workers;
@@ -159,6 +161,8 @@ void parallel_for(std::ptrdiff_t count, std::ptrdiff_t least, RangeWork work)
 {
     if (count <= 0)
         return;
+    // What the work reads is not to be computed by several threads at once.
+    compute_due();
     int const width = count < 2 * least ? 1 : parallel_width();
     if (width == 1 || giving.exchange(true, std::memory_order_acquire)) {
         work(0, count);
