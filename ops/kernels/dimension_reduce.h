@@ -43,8 +43,10 @@ public:
 
 private:
     static constexpr std::ptrdiff_t short_vectors = 128;
-    // Columns whose state is in work at the same time.
+    // From so many columns on, rows are taken as they are.
     static constexpr std::ptrdiff_t most_columns = 1024;
+    // Columns whose state is in work at the same time: as far as it goes in the nearest cache.
+    static constexpr std::size_t columns_at_once = 4096 / parts;
     // Rows narrower than this are taken several at a time, as one.
     static constexpr std::ptrdiff_t lanes = 64;
     // Elements that are reduced without a look at the others.
@@ -80,9 +82,9 @@ private:
 
     bool run_columns() const
     {
-        for_columns(axis_, most_columns, [&](Columns const& columns) {
+        for_columns(axis_, std::ptrdiff_t{columns_at_once}, [&](Columns const& columns) {
             std::ptrdiff_t const at = columns.outer * axis_.length * axis_.stride + columns.first;
-            Local<most_columns> total, piece;
+            Local<columns_at_once> total, piece;
             start(total.part, columns.width);
             for (std::ptrdiff_t k = 0; k < axis_.length && !fold_.done(total.part, columns.width, columns.width); k += rows_at_once) {
                 Rows const rows{axis_.stride, std::min(rows_at_once, axis_.length - k), columns.width};
@@ -139,7 +141,9 @@ private:
     bool run_spans() const
     {
         std::ptrdiff_t const stride = axis_.stride, size = axis_.length * stride;
-        std::ptrdiff_t const rows = span / stride, spans = (axis_.length - 1) / rows + 1;
+        // Where the order is free, no more often than the threads ask for it.
+        std::ptrdiff_t const least_rows = span / stride, share = Fold::in_any_order ? axis_.length / (parallel_width() * 4) : 0;
+        std::ptrdiff_t const rows = std::max(least_rows, share), spans = (axis_.length - 1) / rows + 1;
         std::ptrdiff_t const tasks = axis_.outer * spans;
         HeapArray<double> states;
         if (spans > 1 && !(states = HeapArray<double>(static_cast<std::size_t>(tasks * stride) * parts)))
