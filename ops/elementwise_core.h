@@ -17,7 +17,7 @@ M<double> elementwise(OpCode op, M<double>&& x, M<double>&& y);
 bool goes_straight(OpCode op, M<double> const& x, M<double> const& y);
 M<double> straight_elementwise(OpCode op, M<double> const& x, M<double> const& y, Temporaries temporaries);
 // The same for large results, whose elements are due at the end of the statement; where a temporary is such
-// a result itself, or the new one may wait.
+// a result itself, or the new one may wait. The question computes what another expression has due.
 bool goes_into_chain(M<double> const& x, M<double> const& y, Temporaries temporaries);
 M<double> chained_elementwise(OpCode op, M<double> const& x, M<double> const& y, Temporaries temporaries);
 
